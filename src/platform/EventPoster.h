@@ -1,0 +1,15 @@
+// Posting synthetic input events to other processes.
+//
+// Threads: main thread. Failure: events that cannot be posted are dropped.
+#pragma once
+
+namespace skylet::platform {
+
+class EventPoster {
+  public:
+    virtual ~EventPoster() = default;
+    // The permission to post events.
+    [[nodiscard]] virtual bool preflightPostAccess() = 0;
+};
+
+} // namespace skylet::platform
