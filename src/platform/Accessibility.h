@@ -66,7 +66,8 @@ class Accessibility {
 
     // Never null; an application that does not exist answers reads with an error.
     [[nodiscard]] virtual AXElementRef createApplication(ProcessID pid) = 0;
-    [[nodiscard]] virtual AXResult copyAttributeValue(const AXElementRef& element, std::string_view attribute) = 0;
+    [[nodiscard]] virtual AXResult copyAttributeValue(const AXElementRef& element,
+                                                      std::string_view attribute) = 0;
     virtual int setAttributeValue(const AXElementRef& element, std::string_view attribute, double value) = 0;
     // The error code of the query, and the answer (false on error).
     [[nodiscard]] virtual std::pair<int, bool> isAttributeSettable(const AXElementRef& element,

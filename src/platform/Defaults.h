@@ -1,7 +1,8 @@
 // The user's preferences store: single keys with typed values.
 //
 // Threads: reads from any thread, writes and notices on the main thread.
-// Failure: a store that cannot be read holds no keys; a write that cannot be stored is kept for this run only.
+// Failure: a store that cannot be read holds no keys; a write that cannot be stored is kept for this run
+// only.
 #pragma once
 
 #include "platform/Subscription.h"

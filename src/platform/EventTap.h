@@ -17,8 +17,8 @@ enum class TapEventType : std::uint32_t {
 };
 
 struct KeyEvent {
-    std::int64_t keyCode = 0;  // virtual key code
-    std::uint64_t flags = 0;   // event flags, see ModifierFlags
+    std::int64_t keyCode = 0; // virtual key code
+    std::uint64_t flags = 0;  // event flags, see ModifierFlags
 };
 
 class EventTap {
@@ -28,9 +28,9 @@ class EventTap {
 
     virtual ~EventTap() = default;
 
-    // Tells which key-down is wanted. A platform that sees every key ignores it; one that has to ask for single
-    // keys asks for this one, at `create` and, once created, at once. Key code and flags both zero: none.
-    // Answers whether the key-down can be had (always true before `create`).
+    // Tells which key-down is wanted. A platform that sees every key ignores it; one that has to ask for
+    // single keys asks for this one, at `create` and, once created, at once. Key code and flags both zero:
+    // none. Answers whether the key-down can be had (always true before `create`).
     virtual bool setWantedKey(std::uint16_t keyCode, std::uint64_t flags) = 0;
 
     // Creates the tap, disabled. False when it cannot be had now; `failureReason` then tells the user why.

@@ -123,11 +123,12 @@ class Panel {
     [[nodiscard]] virtual std::optional<double> backingScaleFactor() const = 0;
 
     virtual void setEventHandler(EventHandler handler) = 0;
-    // Gives the panel's next events that match `mask` to `handler` instead of the event handler, until it answers
-    // false. Entering, leaving and moving are always delivered as usual; other events are dropped meanwhile.
+    // Gives the panel's next events that match `mask` to `handler` instead of the event handler, until it
+    // answers false. Entering, leaving and moving are always delivered as usual; other events are dropped
+    // meanwhile.
     virtual void trackEvents(std::uint64_t mask, TrackingHandler handler) = 0;
-    // Moves the panel with the pointer until the left button is released, then calls `done`, then delivers the
-    // release to the event handler.
+    // Moves the panel with the pointer until the left button is released, then calls `done`, then delivers
+    // the release to the event handler.
     virtual void performWindowDrag(const InputEvent& mouseDown, std::function<void()> done) = 0;
 };
 

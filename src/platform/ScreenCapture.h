@@ -1,8 +1,8 @@
 // Live capture of single windows.
 //
-// Threads: called on the main thread. Completions and the stop notice come on an unspecified thread and callers
-// hop to the main queue; frames come on the serial queue given with the output.
-// Failure: a CaptureError value.
+// Threads: called on the main thread. Completions and the stop notice come on an unspecified thread and
+// callers hop to the main queue; frames come on the serial queue given with the output. Failure: a
+// CaptureError value.
 #pragma once
 
 #include "platform/Queues.h"
@@ -27,8 +27,8 @@ struct CaptureError {
 constexpr const char* captureErrorDomain = "SCStreamErrorDomain";
 constexpr int captureErrorUserDeclined = -3801;
 
-// A picture that a panel's layer can show. It may live outside this process and may still be changing; whoever
-// holds it keeps its picture readable.
+// A picture that a panel's layer can show. It may live outside this process and may still be changing;
+// whoever holds it keeps its picture readable.
 class Surface {
   public:
     Surface() = default;
@@ -131,13 +131,14 @@ class ScreenCapture {
                                      std::function<void(ShareableContent)> done) = 0;
     [[nodiscard]] virtual ContentFilterRef makeFilter(WindowID desktopIndependentWindow) = 0;
     // `didStop` is called at most once, when the system ends a started stream; never inside a call.
-    [[nodiscard]] virtual std::shared_ptr<CaptureStream>
-    makeStream(ContentFilterRef filter, const StreamConfiguration& configuration, DidStopWithError didStop) = 0;
+    [[nodiscard]] virtual std::shared_ptr<CaptureStream> makeStream(ContentFilterRef filter,
+                                                                    const StreamConfiguration& configuration,
+                                                                    DidStopWithError didStop) = 0;
     // The answer never comes inside the call.
     virtual void captureImage(ContentFilterRef filter, const StreamConfiguration& configuration,
                               std::function<void(Still)> done) = 0;
-    // The queue on which one overlay's samples arrive. An adapter whose samples carry no pixels into this process
-    // may give a queue that runs on the main thread.
+    // The queue on which one overlay's samples arrive. An adapter whose samples carry no pixels into this
+    // process may give a queue that runs on the main thread.
     [[nodiscard]] virtual std::unique_ptr<SerialQueue> makeSampleQueue(const std::string& label) = 0;
 
     [[nodiscard]] virtual bool preflightAccess() = 0;

@@ -1,7 +1,8 @@
 // The window server's list of windows.
 //
 // Coordinates: bounds are window-server coordinates (top-left origin), in points.
-// Threads: main thread. Failure: an empty optional; a window that vanishes while the list is made is left out.
+// Threads: main thread. Failure: an empty optional; a window that vanishes while the list is made is left
+// out.
 #pragma once
 
 #include "platform/Types.h"

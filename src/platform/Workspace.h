@@ -35,8 +35,8 @@ class Workspace {
 
     virtual bool openURL(const std::string& url) = 0;
 
-    // The version gate: whether a click on an overlay has to switch to the real window because posted clicks do
-    // not reach background windows (system version 27.0 or later on macOS).
+    // The version gate: whether a click on an overlay has to switch to the real window because posted clicks
+    // do not reach background windows (system version 27.0 or later on macOS).
     [[nodiscard]] virtual bool isSystemVersion27OrLater() const = 0;
 };
 
