@@ -6,6 +6,7 @@
 #pragma once
 
 #include "platform/Queues.h"
+#include "platform/Subscription.h"
 #include "platform/Types.h"
 
 #include <cstdint>
@@ -129,6 +130,9 @@ class ScreenCapture {
     // The windows that can be captured. The answer never comes inside the call.
     virtual void getShareableContent(bool excludingDesktopWindows, bool onScreenWindowsOnly,
                                      std::function<void(ShareableContent)> done) = 0;
+    // Asks that the window's picture be kept whole, covered or not, until the answer is released. A platform where
+    // every window's picture always is answers null.
+    [[nodiscard]] virtual Subscription prepareCapture(WindowID window) = 0;
     [[nodiscard]] virtual ContentFilterRef makeFilter(WindowID desktopIndependentWindow) = 0;
     // `didStop` is called at most once, when the system ends a started stream; never inside a call.
     [[nodiscard]] virtual std::shared_ptr<CaptureStream> makeStream(ContentFilterRef filter,

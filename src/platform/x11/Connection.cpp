@@ -14,7 +14,6 @@
 #include <xcb/xcbext.h>
 #include <xcb/xfixes.h>
 #include <xcb/xinput.h>
-#include <xcb/xkb.h>
 #include <xcb/xtest.h>
 
 #include <algorithm>

@@ -38,7 +38,6 @@ struct Extensions {
     std::uint8_t xfixesError = 0;
     std::uint8_t randrEvent = 0;
     std::uint8_t shapeEvent = 0;
-    std::uint8_t xkbEvent = 0;
     std::uint8_t xinputOpcode = 0;
     bool resource = false; // X-Resource 1.2: client pids
     bool randr = false;    // RandR 1.5: monitors
