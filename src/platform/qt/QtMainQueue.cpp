@@ -1,0 +1,111 @@
+#include "platform/qt/QtMainQueue.h"
+
+#include <QPointer>
+#include <QTimer>
+
+#include <chrono>
+#include <cmath>
+#include <cstdint>
+#include <sys/eventfd.h>
+#include <unistd.h>
+#include <utility>
+
+namespace skylet::platform::qt {
+
+namespace {
+
+std::chrono::milliseconds toMilliseconds(double seconds) {
+    return std::chrono::milliseconds(std::llround(seconds * 1000));
+}
+
+// The Qt timer may be in the middle of its own tick when it is let go of, so it is deleted later.
+class RepeatingTimer : public Timer {
+  public:
+    RepeatingTimer(QObject& parent, double seconds, Work work) : timer_(new QTimer(&parent)) {
+        timer_->setTimerType(Qt::PreciseTimer);
+        QObject::connect(timer_, &QTimer::timeout, timer_, std::move(work));
+        timer_->start(toMilliseconds(seconds));
+    }
+    RepeatingTimer(const RepeatingTimer&) = delete;
+    RepeatingTimer& operator=(const RepeatingTimer&) = delete;
+    ~RepeatingTimer() override {
+        if (timer_) {
+            timer_->stop();
+            QObject::disconnect(timer_, nullptr, nullptr, nullptr);
+            timer_->deleteLater();
+        }
+    }
+
+  private:
+    QPointer<QTimer> timer_; // null once the queue is gone
+};
+
+} // namespace
+
+QtMainQueue::QtMainQueue()
+    : eventDescriptor_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+    , notifier_(std::make_unique<QSocketNotifier>(eventDescriptor_, QSocketNotifier::Read)) {
+    QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] { runQueued(); });
+}
+
+QtMainQueue::~QtMainQueue() {
+    notifier_.reset();
+    close(eventDescriptor_);
+}
+
+double QtMainQueue::now() const {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+void QtMainQueue::async(Work work) {
+    const std::lock_guard lock(mutex_);
+    queue_.push_back(std::move(work));
+    if (queue_.size() == 1) {
+        eventfd_write(eventDescriptor_, 1);
+    }
+}
+
+Work QtMainQueue::takeNext() {
+    const std::lock_guard lock(mutex_);
+    if (queue_.empty()) {
+        return {};
+    }
+    Work work = std::move(queue_.front());
+    queue_.pop_front();
+    if (queue_.empty()) {
+        eventfd_t count = 0;
+        eventfd_read(eventDescriptor_, &count);
+    }
+    return work;
+}
+
+// What the work itself queues waits for the next round, so that timers and events get their turn. A nested
+// event loop inside the work goes on with the rest, because the descriptor stays readable.
+void QtMainQueue::runQueued() {
+    std::size_t count = 0;
+    {
+        const std::lock_guard lock(mutex_);
+        count = queue_.size();
+    }
+    for (; count > 0; --count) {
+        const Work work = takeNext();
+        if (!work) {
+            return;
+        }
+        work();
+    }
+}
+
+void QtMainQueue::after(double seconds, Work work) {
+    if (seconds <= 0) {
+        async(std::move(work));
+        return;
+    }
+    QTimer::singleShot(toMilliseconds(seconds), Qt::PreciseTimer, &timers_, std::move(work));
+}
+
+TimerRef QtMainQueue::every(double seconds, Work work) {
+    return std::make_unique<RepeatingTimer>(timers_, seconds, std::move(work));
+}
+
+} // namespace skylet::platform::qt
