@@ -3,6 +3,7 @@
 #include <QColor>
 #include <QImage>
 #include <QPainter>
+#include <QPainterPath>
 #include <QPen>
 
 namespace skylet::platform::x11 {
@@ -31,8 +32,8 @@ class Draw {
             path.moveTo(segment.from.x, segment.from.y);
             path.lineTo(segment.to.x, segment.to.y);
         }
-        painter_.strokePath(path,
-                            QPen(toQColor(shape.color), shape.lineWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        painter_.strokePath(
+            path, QPen(toQColor(shape.color), shape.lineWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     }
 
   private:
@@ -57,17 +58,19 @@ DecorationImage::DecorationImage(Connection& connection, const RenderFormats& fo
     const auto pixelWidth = static_cast<std::uint16_t>(width);
     const auto pixelHeight = static_cast<std::uint16_t>(height);
     pixmap_ = PixmapId(connection, connection.generateId());
-    connection.send<xcb_create_pixmap>(std::uint8_t{32}, pixmap_.get(), xcb_drawable_t{connection.root()}, pixelWidth,
-                                       pixelHeight);
+    connection.send<xcb_create_pixmap>(std::uint8_t{32}, pixmap_.get(), xcb_drawable_t{connection.root()},
+                                       pixelWidth, pixelHeight);
     const GContextId gc(connection, connection.generateId());
-    connection.send<xcb_create_gc>(gc.get(), xcb_drawable_t{pixmap_.get()}, 0U, static_cast<const void*>(nullptr));
-    connection.send<xcb_put_image>(static_cast<std::uint8_t>(XCB_IMAGE_FORMAT_Z_PIXMAP), xcb_drawable_t{pixmap_.get()},
-                                   xcb_gcontext_t{gc.get()}, pixelWidth, pixelHeight, std::int16_t{0}, std::int16_t{0},
-                                   std::uint8_t{0}, std::uint8_t{32}, static_cast<std::uint32_t>(image.sizeInBytes()),
+    connection.send<xcb_create_gc>(gc.get(), xcb_drawable_t{pixmap_.get()}, 0U,
+                                   static_cast<const void*>(nullptr));
+    connection.send<xcb_put_image>(static_cast<std::uint8_t>(XCB_IMAGE_FORMAT_Z_PIXMAP),
+                                   xcb_drawable_t{pixmap_.get()}, xcb_gcontext_t{gc.get()}, pixelWidth,
+                                   pixelHeight, std::int16_t{0}, std::int16_t{0}, std::uint8_t{0},
+                                   std::uint8_t{32}, static_cast<std::uint32_t>(image.sizeInBytes()),
                                    static_cast<const std::uint8_t*>(image.constBits()));
     picture_ = PictureId(connection, connection.generateId());
-    connection.send<xcb_render_create_picture>(picture_.get(), xcb_drawable_t{pixmap_.get()}, formats.argb32(), 0U,
-                                               static_cast<const void*>(nullptr));
+    connection.send<xcb_render_create_picture>(picture_.get(), xcb_drawable_t{pixmap_.get()},
+                                               formats.argb32(), 0U, static_cast<const void*>(nullptr));
 }
 
 } // namespace skylet::platform::x11

@@ -26,15 +26,18 @@ PixelRect scaled(const PixelRect& rect, double factorX, double factorY, int reac
 } // namespace
 
 MirrorPainter::MirrorPainter(Connection& connection, const RenderFormats& formats)
-    : connection_(connection), formats_(formats) {
+    : connection_(connection)
+    , formats_(formats) {
     // Copies between drawables need not tell us what they could not copy.
     const std::uint32_t noExposures = 0;
     gc_ = GContextId(connection_, connection_.generateId());
     connection_.send<xcb_create_gc>(gc_.get(), xcb_drawable_t{connection_.root()},
-                                    std::uint32_t{XCB_GC_GRAPHICS_EXPOSURES}, static_cast<const void*>(&noExposures));
+                                    std::uint32_t{XCB_GC_GRAPHICS_EXPOSURES},
+                                    static_cast<const void*>(&noExposures));
 }
 
-void MirrorPainter::setSource(const std::shared_ptr<const NamedPixmap>& source, int panelWidth, int panelHeight) {
+void MirrorPainter::setSource(const std::shared_ptr<const NamedPixmap>& source, int panelWidth,
+                              int panelHeight) {
     if (source == source_ && panelWidth == panelWidth_ && panelHeight == panelHeight_) {
         return;
     }
@@ -78,10 +81,9 @@ void MirrorPainter::rebuild() {
         level.width = (width + level.factorX - 1) / level.factorX;
         level.height = (height + level.factorY - 1) / level.factorY;
         level.pixmap = PixmapId(connection_, connection_.generateId());
-        connection_.send<xcb_create_pixmap>(connection_.screen().root_depth, level.pixmap.get(),
-                                            xcb_drawable_t{connection_.root()},
-                                            static_cast<std::uint16_t>(level.width),
-                                            static_cast<std::uint16_t>(level.height));
+        connection_.send<xcb_create_pixmap>(
+            connection_.screen().root_depth, level.pixmap.get(), xcb_drawable_t{connection_.root()},
+            static_cast<std::uint16_t>(level.width), static_cast<std::uint16_t>(level.height));
         level.picture = makePicture(level.pixmap.get(), rootFormat);
         setTransform(reader, level.factorX, level.factorY, offsetX, offsetY);
         reader = level.picture.get();
@@ -102,14 +104,14 @@ void MirrorPainter::rebuild() {
 
 void MirrorPainter::setTransform(xcb_render_picture_t picture, double scaleX, double scaleY, double offsetX,
                                  double offsetY) {
-    const xcb_render_transform_t transform{toFixed(scaleX), 0, toFixed(offsetX), 0, toFixed(scaleY),
-                                           toFixed(offsetY), 0, 0, toFixed(1)};
+    const xcb_render_transform_t transform{
+        toFixed(scaleX), 0, toFixed(offsetX), 0, toFixed(scaleY), toFixed(offsetY), 0, 0, toFixed(1)};
     connection_.sendTolerant<xcb_render_set_picture_transform>(picture, transform);
     // Without scaling the nearest pixel is the pixel itself, and cheaper to fetch.
     const std::string_view filter = scaleX == 1 && scaleY == 1 ? "nearest" : "bilinear";
-    connection_.sendTolerant<xcb_render_set_picture_filter>(picture, static_cast<std::uint16_t>(filter.size()),
-                                                            filter.data(), 0U,
-                                                            static_cast<const xcb_render_fixed_t*>(nullptr));
+    connection_.sendTolerant<xcb_render_set_picture_filter>(
+        picture, static_cast<std::uint16_t>(filter.size()), filter.data(), 0U,
+        static_cast<const xcb_render_fixed_t*>(nullptr));
 }
 
 PixelRect MirrorPainter::toPanel(const PixelRect& contentRect) const {
@@ -149,11 +151,10 @@ void MirrorPainter::paint(const PaintDestination& destination, const PixelRect& 
     const auto x = static_cast<std::int16_t>(panelRect.x + destination.offsetX);
     const auto y = static_cast<std::int16_t>(panelRect.y + destination.offsetY);
     if (copies_) {
-        connection_.sendTolerant<xcb_copy_area>(xcb_drawable_t{source_->pixmap.get()}, destination.drawable,
-                                                xcb_gcontext_t{gc_.get()},
-                                                static_cast<std::int16_t>(source_->content.x + panelRect.x),
-                                                static_cast<std::int16_t>(source_->content.y + panelRect.y), x, y,
-                                                width, height);
+        connection_.sendTolerant<xcb_copy_area>(
+            xcb_drawable_t{source_->pixmap.get()}, destination.drawable, xcb_gcontext_t{gc_.get()},
+            static_cast<std::int16_t>(source_->content.x + panelRect.x),
+            static_cast<std::int16_t>(source_->content.y + panelRect.y), x, y, width, height);
         return;
     }
     const xcb_render_picture_t reader = levels_.empty() ? sourcePicture_.get() : levels_.back().picture.get();

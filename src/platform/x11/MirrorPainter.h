@@ -1,11 +1,11 @@
 // Draws a mirrored window's picture, stretched over a panel, into the panel's window.
 //
-// At 1:1 and equal depth a frame is one CopyArea; else it is one Render pass over the changed part, bilinear. A
-// factor of exactly 2 makes the bilinear filter the 2x2 box average, so a picture that shrinks by more than that is
-// halved as often as needed first, and nothing of it is skipped. No pixel crosses into this process.
+// At 1:1 and equal depth a frame is one CopyArea; else it is one Render pass over the changed part, bilinear.
+// A factor of exactly 2 makes the bilinear filter the 2x2 box average, so a picture that shrinks by more than
+// that is halved as often as needed first, and nothing of it is skipped. No pixel crosses into this process.
 //
-// Coordinates: content = the mirrored part of the target, panel = the panel's window, both in X pixels, top-left.
-// Threads: main thread. Failure: drawing from or to what is gone is an X error that is expected.
+// Coordinates: content = the mirrored part of the target, panel = the panel's window, both in X pixels,
+// top-left. Threads: main thread. Failure: drawing from or to what is gone is an X error that is expected.
 #pragma once
 
 #include "platform/x11/PixelRect.h"
@@ -51,7 +51,8 @@ class MirrorPainter {
         int factorY = 1;
     };
     void rebuild();
-    void setTransform(xcb_render_picture_t picture, double scaleX, double scaleY, double offsetX, double offsetY);
+    void setTransform(xcb_render_picture_t picture, double scaleX, double scaleY, double offsetX,
+                      double offsetY);
 
     Connection& connection_;
     const RenderFormats& formats_;

@@ -12,10 +12,11 @@ struct Buffer {
     PictureId picture;
 
     Buffer(Connection& connection, const RenderFormats& formats, int width, int height)
-        : pixmap(connection, connection.generateId()), picture(connection, connection.generateId()) {
-        connection.send<xcb_create_pixmap>(connection.screen().root_depth, pixmap.get(),
-                                           xcb_drawable_t{connection.root()}, static_cast<std::uint16_t>(width),
-                                           static_cast<std::uint16_t>(height));
+        : pixmap(connection, connection.generateId())
+        , picture(connection, connection.generateId()) {
+        connection.send<xcb_create_pixmap>(
+            connection.screen().root_depth, pixmap.get(), xcb_drawable_t{connection.root()},
+            static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height));
         connection.send<xcb_render_create_picture>(picture.get(), xcb_drawable_t{pixmap.get()},
                                                    formats.ofVisual(connection.screen().root_visual), 0U,
                                                    static_cast<const void*>(nullptr));
@@ -25,15 +26,21 @@ struct Buffer {
 void fill(Connection& connection, xcb_render_picture_t picture, const PixelRect& rect) {
     const xcb_render_color_t black{0, 0, 0, 0xFFFF};
     const xcb_rectangle_t area = toXRectangle(rect);
-    connection.send<xcb_render_fill_rectangles>(std::uint8_t{XCB_RENDER_PICT_OP_SRC}, picture, black, 1U, &area);
+    connection.send<xcb_render_fill_rectangles>(std::uint8_t{XCB_RENDER_PICT_OP_SRC}, picture, black, 1U,
+                                                &area);
 }
 
 } // namespace
 
 PanelCanvas::PanelCanvas(Connection& connection, const RenderFormats& formats, xcb_window_t window, int width,
                          int height)
-    : connection_(connection), formats_(formats), window_(window), width_(width), height_(height),
-      windowPicture_(connection, connection.generateId()), painter_(connection, formats) {
+    : connection_(connection)
+    , formats_(formats)
+    , window_(window)
+    , width_(width)
+    , height_(height)
+    , windowPicture_(connection, connection.generateId())
+    , painter_(connection, formats) {
     connection_.send<xcb_render_create_picture>(windowPicture_.get(), xcb_drawable_t{window_},
                                                 formats_.ofVisual(connection_.screen().root_visual), 0U,
                                                 static_cast<const void*>(nullptr));
@@ -75,8 +82,8 @@ void PanelCanvas::redraw(const PixelRect& rect) {
     }
 }
 
-// Decorations are translucent: under one the picture is drawn again first, off screen, so that neither a bare nor a
-// doubled decoration is ever seen.
+// Decorations are translucent: under one the picture is drawn again first, off screen, so that neither a bare
+// nor a doubled decoration is ever seen.
 void PanelCanvas::drawWithItems(const PaintDestination& destination, const PixelRect& rect) {
     std::vector<PixelRect> plain{rect};
     for (const auto& item : items_) {
@@ -91,17 +98,19 @@ void PanelCanvas::drawWithItems(const PaintDestination& destination, const Pixel
         for (const auto& over : items_) {
             if (!over->hidden && over->image && !intersection(over->rect, whole).isEmpty()) {
                 connection_.send<xcb_render_composite>(
-                    std::uint8_t{XCB_RENDER_PICT_OP_OVER}, over->image.picture(), xcb_render_picture_t{XCB_NONE},
-                    xcb_render_picture_t{buffer.picture.get()}, std::int16_t{0}, std::int16_t{0}, std::int16_t{0},
-                    std::int16_t{0}, static_cast<std::int16_t>(over->rect.x - whole.x),
-                    static_cast<std::int16_t>(over->rect.y - whole.y), static_cast<std::uint16_t>(over->rect.width),
+                    std::uint8_t{XCB_RENDER_PICT_OP_OVER}, over->image.picture(),
+                    xcb_render_picture_t{XCB_NONE}, xcb_render_picture_t{buffer.picture.get()},
+                    std::int16_t{0}, std::int16_t{0}, std::int16_t{0}, std::int16_t{0},
+                    static_cast<std::int16_t>(over->rect.x - whole.x),
+                    static_cast<std::int16_t>(over->rect.y - whole.y),
+                    static_cast<std::uint16_t>(over->rect.width),
                     static_cast<std::uint16_t>(over->rect.height));
             }
         }
         connection_.send<xcb_render_composite>(
             std::uint8_t{XCB_RENDER_PICT_OP_SRC}, xcb_render_picture_t{buffer.picture.get()},
-            xcb_render_picture_t{XCB_NONE}, destination.picture, std::int16_t{0}, std::int16_t{0}, std::int16_t{0},
-            std::int16_t{0}, static_cast<std::int16_t>(whole.x + destination.offsetX),
+            xcb_render_picture_t{XCB_NONE}, destination.picture, std::int16_t{0}, std::int16_t{0},
+            std::int16_t{0}, std::int16_t{0}, static_cast<std::int16_t>(whole.x + destination.offsetX),
             static_cast<std::int16_t>(whole.y + destination.offsetY), static_cast<std::uint16_t>(whole.width),
             static_cast<std::uint16_t>(whole.height));
         plain = subtracted(plain, whole);
@@ -128,8 +137,8 @@ void PanelCanvas::resized(int width, int height) {
     if (frozen_) {
         // The frozen picture is stretched along, once more from its source.
         drawBackground();
-        connection_.send<xcb_clear_area>(std::uint8_t{0}, window_, std::int16_t{0}, std::int16_t{0}, std::uint16_t{0},
-                                         std::uint16_t{0});
+        connection_.send<xcb_clear_area>(std::uint8_t{0}, window_, std::int16_t{0}, std::int16_t{0},
+                                         std::uint16_t{0}, std::uint16_t{0});
         return;
     }
     if (surface_) {

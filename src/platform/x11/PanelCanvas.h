@@ -1,8 +1,8 @@
 // What a panel's window shows: the mirrored picture with the decorations over it.
 //
-// Draws straight into the window. A frozen canvas holds its last picture as the window's background, which the
-// server restores by itself where the window is uncovered; the same background gives a window its first pixels when
-// it is mapped.
+// Draws straight into the window. A frozen canvas holds its last picture as the window's background, which
+// the server restores by itself where the window is uncovered; the same background gives a window its first
+// pixels when it is mapped.
 //
 // Coordinates: the panel's X pixels, top-left origin. Threads: main thread.
 #pragma once
@@ -25,7 +25,8 @@ class PanelCanvas {
         DecorationImage image;
     };
 
-    PanelCanvas(Connection& connection, const RenderFormats& formats, xcb_window_t window, int width, int height);
+    PanelCanvas(Connection& connection, const RenderFormats& formats, xcb_window_t window, int width,
+                int height);
 
     void setSurface(std::shared_ptr<MirrorSurface> surface);
     // Draws what changed in the surface since the last drawing. Nothing while not `shown`.

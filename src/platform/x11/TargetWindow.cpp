@@ -3,17 +3,18 @@
 #include "platform/x11/ClientGeometry.h"
 #include "platform/x11/EventWindow.h"
 
+#include <xcb/composite.h>
+
 #include <algorithm>
 #include <utility>
-
-#include <xcb/composite.h>
 
 namespace skylet::platform::x11 {
 
 class TargetWindow::Follower : public SubscriptionBase {
   public:
     Follower(std::shared_ptr<std::vector<Follower*>> list, Events told)
-        : events(std::move(told)), list_(std::move(list)) {
+        : events(std::move(told))
+        , list_(std::move(list)) {
         list_->push_back(this);
     }
     ~Follower() override { std::erase(*list_, this); }
@@ -25,11 +26,14 @@ class TargetWindow::Follower : public SubscriptionBase {
 };
 
 TargetWindow::TargetWindow(Connection& connection, const RenderFormats& formats, xcb_window_t window)
-    : connection_(connection), formats_(formats), window_(window),
-      followers_(std::make_shared<std::vector<Follower*>>()) {
-    events_ = connection_.subscribe(
-        window_, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_VISIBILITY_CHANGE | XCB_EVENT_MASK_PROPERTY_CHANGE,
-        [this](const xcb_generic_event_t& event) { handle(event); });
+    : connection_(connection)
+    , formats_(formats)
+    , window_(window)
+    , followers_(std::make_shared<std::vector<Follower*>>()) {
+    events_ = connection_.subscribe(window_,
+                                    XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_VISIBILITY_CHANGE |
+                                        XCB_EVENT_MASK_PROPERTY_CHANGE,
+                                    [this](const xcb_generic_event_t& event) { handle(event); });
     auto attributes = connection_.ask<xcb_get_window_attributes, xcb_get_window_attributes_reply>(window_);
     auto geometry = connection_.ask<xcb_get_geometry, xcb_get_geometry_reply>(window_);
     if (!attributes || !geometry || attributes->_class != XCB_WINDOW_CLASS_INPUT_OUTPUT) {
@@ -38,7 +42,8 @@ TargetWindow::TargetWindow(Connection& connection, const RenderFormats& formats,
     }
     depth_ = geometry->depth;
     format_ = formats_.ofVisual(attributes->visual);
-    connection_.sendTolerant<xcb_composite_redirect_window>(window_, std::uint8_t{XCB_COMPOSITE_REDIRECT_AUTOMATIC});
+    connection_.sendTolerant<xcb_composite_redirect_window>(window_,
+                                                            std::uint8_t{XCB_COMPOSITE_REDIRECT_AUTOMATIC});
     redirected_ = true;
     namePixmap();
 }
@@ -46,8 +51,8 @@ TargetWindow::TargetWindow(Connection& connection, const RenderFormats& formats,
 TargetWindow::~TargetWindow() {
     events_.reset();
     if (redirected_ && !gone_) {
-        connection_.sendTolerant<xcb_composite_unredirect_window>(window_,
-                                                                  std::uint8_t{XCB_COMPOSITE_REDIRECT_AUTOMATIC});
+        connection_.sendTolerant<xcb_composite_unredirect_window>(
+            window_, std::uint8_t{XCB_COMPOSITE_REDIRECT_AUTOMATIC});
     }
 }
 
@@ -76,8 +81,8 @@ void TargetWindow::handle(const xcb_generic_event_t& event) {
         }
         break;
     }
-    // A frame that is unmapped takes the pixmap with it and no map event reaches the client when it returns; the
-    // change of its visibility does.
+    // A frame that is unmapped takes the pixmap with it and no map event reaches the client when it returns;
+    // the change of its visibility does.
     case XCB_VISIBILITY_NOTIFY:
     case XCB_MAP_NOTIFY:
     case XCB_REPARENT_NOTIFY:
@@ -99,7 +104,8 @@ void TargetWindow::namePixmap() {
     }
     auto named = std::make_shared<NamedPixmap>();
     const std::uint32_t id = connection_.generateId();
-    auto extents = askProperty(connection_, window_, connection_.atoms().GTK_FRAME_EXTENTS, XCB_ATOM_CARDINAL, 4);
+    auto extents =
+        askProperty(connection_, window_, connection_.atoms().GTK_FRAME_EXTENTS, XCB_ATOM_CARDINAL, 4);
     auto windowGeometry = connection_.ask<xcb_get_geometry, xcb_get_geometry_reply>(window_);
     // Fails while the window is not viewable: the old picture stays until the next chance.
     if (connection_.sendChecked<xcb_composite_name_window_pixmap_checked>(window_, xcb_pixmap_t{id})) {
@@ -120,9 +126,11 @@ void TargetWindow::namePixmap() {
     if (client.isEmpty()) {
         return;
     }
-    const ShadowExtents shadow = readShadow(extents, std::uint32_t(client.width), std::uint32_t(client.height));
+    const ShadowExtents shadow =
+        readShadow(extents, std::uint32_t(client.width), std::uint32_t(client.height));
     named->content = {client.x + int(shadow.left), client.y + int(shadow.top),
-                      client.width - int(shadow.left + shadow.right), client.height - int(shadow.top + shadow.bottom)};
+                      client.width - int(shadow.left + shadow.right),
+                      client.height - int(shadow.top + shadow.bottom)};
     if (named->content.isEmpty() || format_ == 0) {
         return;
     }

@@ -1,8 +1,9 @@
 // The picture of one foreign window, kept whole by the Composite extension although the window is covered.
 //
-// While a TargetWindow lives, its window is redirected automatically: the server keeps drawing it to the screen and
-// keeps all of its pixels in a pixmap. The pixmap is named anew whenever the server may have made another one, and
-// an old name stays readable: it is the frozen last picture of a window that is unmapped or destroyed.
+// While a TargetWindow lives, its window is redirected automatically: the server keeps drawing it to the
+// screen and keeps all of its pixels in a pixmap. The pixmap is named anew whenever the server may have made
+// another one, and an old name stays readable: it is the frozen last picture of a window that is unmapped or
+// destroyed.
 //
 // Threads: main thread. Failure: a window that is gone gives no picture.
 #pragma once

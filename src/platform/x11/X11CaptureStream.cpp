@@ -2,24 +2,29 @@
 
 #include "platform/x11/EventWindow.h"
 
-#include <utility>
-
 #include <xcb/damage.h>
+
+#include <utility>
 
 namespace skylet::platform::x11 {
 
 namespace {
-// While a damage is not emptied the server adds every change to its region, which for a busy window and a long frame
-// interval costs it more than the frames do (measured: 17 % of a core against 1.6 % at 0.5 frames per second).
+// While a damage is not emptied the server adds every change to its region, which for a busy window and a
+// long frame interval costs it more than the frames do (measured: 17 % of a core against 1.6 % at 0.5 frames
+// per second).
 constexpr double singleChangeInterval = 1.0 / 15.0; // seconds
 } // namespace
 
-X11CaptureStream::X11CaptureStream(Connection& connection, MainQueue& mainQueue, std::shared_ptr<TargetWindow> target,
+X11CaptureStream::X11CaptureStream(Connection& connection, MainQueue& mainQueue,
+                                   std::shared_ptr<TargetWindow> target,
                                    const StreamConfiguration& configuration,
                                    ScreenCapture::DidStopWithError didStop)
-    : connection_(connection), mainQueue_(mainQueue), target_(std::move(target)),
-      surface_(std::make_shared<MirrorSurface>(target_)), configuration_(configuration),
-      didStop_(std::move(didStop)) {}
+    : connection_(connection)
+    , mainQueue_(mainQueue)
+    , target_(std::move(target))
+    , surface_(std::make_shared<MirrorSurface>(target_))
+    , configuration_(configuration)
+    , didStop_(std::move(didStop)) {}
 
 std::optional<CaptureError> X11CaptureStream::addStreamOutput(OutputType type, SerialQueue& queue,
                                                               SampleHandler handler) {
@@ -37,8 +42,12 @@ void X11CaptureStream::startCapture(Completion done) {
         return;
     }
     running_ = true;
-    events_ = connection_.subscribe(target_->window(), 0, [this](const xcb_generic_event_t& event) { handle(event); });
-    follow_ = target_->follow({[this] { contentChanged(); }, [this] { targetDestroyed(); }});
+    events_ = connection_.subscribe(target_->window(), 0,
+                                    [this](const xcb_generic_event_t& event) { handle(event); });
+    follow_ = target_->follow({[this] { contentChanged(); },
+                               [this] {
+                                   targetDestroyed();
+                               }});
     watchDamage();
     contentChanged();
     answer(std::move(done), std::nullopt);
@@ -107,7 +116,8 @@ void X11CaptureStream::targetDestroyed() {
     changePending_ = false;
     mainQueue_.async([weak = weak_from_this()] {
         if (const auto self = weak.lock(); self && self->didStop_) {
-            std::exchange(self->didStop_, nullptr)({captureDomain, captureErrorWindowGone, "the window is gone"});
+            std::exchange(self->didStop_,
+                          nullptr)({captureDomain, captureErrorWindowGone, "the window is gone"});
         }
     });
 }

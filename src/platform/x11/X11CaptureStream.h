@@ -1,8 +1,8 @@
 // One window's capture stream: Damage events in, frames out, at most one per frame interval.
 //
-// A frame carries no pixels: its surface stays in the X server, and the panel that shows it reads it there. The last
-// change is always delivered: a change inside the interval is delivered when the interval has passed, and a damage
-// is emptied before its frame goes out, so that whatever comes later is reported again.
+// A frame carries no pixels: its surface stays in the X server, and the panel that shows it reads it there.
+// The last change is always delivered: a change inside the interval is delivered when the interval has
+// passed, and a damage is emptied before its frame goes out, so that whatever comes later is reported again.
 //
 // Threads: main thread; frames go out on the queue given with the output.
 #pragma once
@@ -49,7 +49,8 @@ class X11CaptureStream : public CaptureStream, public std::enable_shared_from_th
     void deliverFrame();
     void watchDamage();
     void answer(Completion done, std::optional<CaptureError> error);
-    // Below this rate the damage is taken away after its first event and made anew for the next frame, see .cpp.
+    // Below this rate the damage is taken away after its first event and made anew for the next frame, see
+    // .cpp.
     [[nodiscard]] bool watchesSingleChanges() const;
 
     Connection& connection_;

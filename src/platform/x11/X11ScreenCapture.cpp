@@ -29,9 +29,12 @@ class Preparation : public SubscriptionBase {
 
 } // namespace
 
-X11ScreenCapture::X11ScreenCapture(Connection& connection, const RenderFormats& formats, WindowServer& windowServer,
-                                   MainQueue& mainQueue)
-    : connection_(connection), formats_(formats), windowServer_(windowServer), mainQueue_(mainQueue) {}
+X11ScreenCapture::X11ScreenCapture(Connection& connection, const RenderFormats& formats,
+                                   WindowServer& windowServer, MainQueue& mainQueue)
+    : connection_(connection)
+    , formats_(formats)
+    , windowServer_(windowServer)
+    , mainQueue_(mainQueue) {}
 
 void X11ScreenCapture::getShareableContent(bool excludingDesktopWindows, bool onScreenWindowsOnly,
                                            std::function<void(ShareableContent)> done) {
@@ -43,7 +46,8 @@ void X11ScreenCapture::getShareableContent(bool excludingDesktopWindows, bool on
         if (const auto list = windowServer_.copyWindowList(options, nullWindowID)) {
             for (const WindowEntry& entry : *list) {
                 if (entry.number) {
-                    content.windows.push_back({static_cast<WindowID>(*entry.number), entry.name.value_or("")});
+                    content.windows.push_back(
+                        {static_cast<WindowID>(*entry.number), entry.name.value_or("")});
                 }
             }
         } else {

@@ -1,7 +1,7 @@
 // Live capture of single windows with Composite and Damage.
 //
-// Every window of the window list can be captured, also while it is minimised or on another desktop: then it has no
-// picture yet or its last one. The X server asks for no permission.
+// Every window of the window list can be captured, also while it is minimised or on another desktop: then it
+// has no picture yet or its last one. The X server asks for no permission.
 //
 // Threads: main thread; answers come by the main queue.
 #pragma once
