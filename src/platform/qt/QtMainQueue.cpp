@@ -6,7 +6,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstdint>
-#include <sys/eventfd.h>
+#include <fcntl.h>
 #include <unistd.h>
 #include <utility>
 
@@ -42,15 +42,21 @@ class RepeatingTimer : public Timer {
 
 } // namespace
 
-QtMainQueue::QtMainQueue()
-    : eventDescriptor_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
-    , notifier_(std::make_unique<QSocketNotifier>(eventDescriptor_, QSocketNotifier::Read)) {
+QtMainQueue::QtMainQueue() {
+    if (pipe(wakeUp_) == 0) {
+        for (const int descriptor : wakeUp_) {
+            fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+            fcntl(descriptor, F_SETFL, O_NONBLOCK);
+        }
+    }
+    notifier_ = std::make_unique<QSocketNotifier>(wakeUp_[0], QSocketNotifier::Read);
     QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] { runQueued(); });
 }
 
 QtMainQueue::~QtMainQueue() {
     notifier_.reset();
-    close(eventDescriptor_);
+    close(wakeUp_[0]);
+    close(wakeUp_[1]);
 }
 
 double QtMainQueue::now() const {
@@ -61,7 +67,8 @@ void QtMainQueue::async(Work work) {
     const std::lock_guard lock(mutex_);
     queue_.push_back(std::move(work));
     if (queue_.size() == 1) {
-        eventfd_write(eventDescriptor_, 1);
+        const char byte = 0;
+        [[maybe_unused]] const auto written = write(wakeUp_[1], &byte, 1);
     }
 }
 
@@ -73,14 +80,14 @@ Work QtMainQueue::takeNext() {
     Work work = std::move(queue_.front());
     queue_.pop_front();
     if (queue_.empty()) {
-        eventfd_t count = 0;
-        eventfd_read(eventDescriptor_, &count);
+        char byte = 0;
+        [[maybe_unused]] const auto taken = read(wakeUp_[0], &byte, 1);
     }
     return work;
 }
 
 // What the work itself queues waits for the next round, so that timers and events get their turn. A nested
-// event loop inside the work goes on with the rest, because the descriptor stays readable.
+// event loop inside the work goes on with the rest, because the pipe stays readable.
 void QtMainQueue::runQueued() {
     std::size_t count = 0;
     {

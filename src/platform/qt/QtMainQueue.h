@@ -1,6 +1,6 @@
 // The main queue on Qt's event loop.
 //
-// Work from other threads reaches the loop through an event descriptor, so nothing wakes up while nothing is
+// Work from other threads reaches the loop through a pipe, so nothing wakes up while nothing is
 // queued. Timers are precise: Qt's coarse ones may shift an interval by 5 %.
 // Threads: made and destroyed on the main thread, which runs the loop; `async` from any thread until then.
 // Failure: work that is still queued when the queue is destroyed never runs.
@@ -33,11 +33,11 @@ class QtMainQueue : public MainQueue {
     [[nodiscard]] Work takeNext();
     void runQueued();
 
-    int eventDescriptor_ = -1;
+    int wakeUp_[2] = {-1, -1}; // pipe: read end, write end
     std::unique_ptr<QSocketNotifier> notifier_;
     QObject timers_; // parent of the repeating timers, context of the single ones
     std::mutex mutex_;
-    std::deque<Work> queue_; // guarded by mutex_; the descriptor is readable exactly while it is not empty
+    std::deque<Work> queue_; // guarded by mutex_; the pipe holds one byte exactly while it is not empty
 };
 
 } // namespace skylet::platform::qt
