@@ -1,0 +1,151 @@
+#include "VirtualDesktop.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <unistd.h>
+
+namespace skylet::desktop {
+namespace {
+
+std::string makeFolder() {
+    std::string name = std::filesystem::temp_directory_path() / "skylet-desktop-XXXXXX";
+    return ::mkdtemp(name.data()) ? name : std::string();
+}
+
+constexpr const char* sessionBusPath = "runtime/bus";
+
+} // namespace
+
+VirtualDesktop::VirtualDesktop(const DesktopOptions& options) : folder_(makeFolder()) {
+    adoptOrphans();
+    for (const char* name : {"home", "config", "state", "data", "cache", "runtime"}) {
+        std::filesystem::create_directories(path(name));
+        std::filesystem::permissions(path(name), std::filesystem::perms::owner_all);
+    }
+    environment_ = {
+        {"PATH", "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin"},
+        {"HOME", path("home")},
+        {"LANG", "C.UTF-8"},
+        {"XDG_CONFIG_HOME", path("config")},
+        {"XDG_STATE_HOME", path("state")},
+        {"XDG_DATA_HOME", path("data")},
+        {"XDG_CACHE_HOME", path("cache")},
+        {"XDG_RUNTIME_DIR", path("runtime")},
+        {"XDG_SESSION_TYPE", "x11"},
+        {"GSETTINGS_BACKEND", "memory"},
+        {"LIBGL_ALWAYS_SOFTWARE", "1"},
+        {"GSK_RENDERER", "cairo"},
+        // A sanitizer's report goes to standard error, which the tests read.
+        {"ASAN_OPTIONS", "detect_leaks=1:exitcode=99"},
+        {"UBSAN_OPTIONS", "print_stacktrace=1"},
+    };
+    if (!startServer(options)) {
+        problem_ = "Xvfb did not start: " + readFile(path("server.err"));
+    } else if (options.sessionBus && !startSessionBus()) {
+        problem_ = "the session bus did not start: " + readFile(path("bus.err"));
+    } else if (options.sessionBus && options.accessibility && !enableAccessibility()) {
+        problem_ = "the accessibility bus did not answer: " + readFile(path("bus.err"));
+    } else if (!changeWindowManager(options.windowManager)) {
+        problem_ = nameOf(options.windowManager) + " did not start: " + readFile(path("wm.err"));
+    }
+}
+
+VirtualDesktop::~VirtualDesktop() {
+    compositor_.stop();
+    windowManager_.stop();
+    session_.reset();
+    server_.stop();
+    sessionBus_.stop();
+    endDescendants();
+    std::error_code ignored;
+    std::filesystem::remove_all(folder_, ignored);
+}
+
+Process VirtualDesktop::start(const Command& command, const std::string& errorFile) const {
+    return {command, environment_, errorFile.empty() ? std::string() : path(errorFile)};
+}
+
+bool VirtualDesktop::startServer(const DesktopOptions& options) {
+    int display[2] = {-1, -1};
+    if (::pipe(display) != 0) {
+        return false;
+    }
+    const std::string size = std::to_string(options.width) + "x" + std::to_string(options.height) + "x24";
+    server_ = Process({"Xvfb", "-displayfd", std::to_string(display[1]), "-screen", "0", size, "-nolisten",
+                       "tcp", "-noreset"},
+                      environment_, path("server.err"), display[1]);
+    ::close(display[1]);
+    // The server writes its number once it takes clients; end of file tells that it ended.
+    std::string number;
+    for (char digit = 0; ::read(display[0], &digit, 1) == 1 && digit != '\n';) {
+        number += digit;
+    }
+    ::close(display[0]);
+    if (number.empty()) {
+        return false;
+    }
+    environment_["DISPLAY"] = ":" + number;
+    session_ = std::make_unique<XSession>(environment_["DISPLAY"]);
+    if (options.twoMonitors) {
+        session_->splitIntoTwoMonitors();
+    }
+    return session_->isConnected();
+}
+
+bool VirtualDesktop::startSessionBus() {
+    environment_["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=" + path(sessionBusPath);
+    sessionBus_ = start({"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address",
+                         "--address=unix:path=" + path(sessionBusPath)},
+                        "bus.err");
+    return sessionBus_.readLine().has_value();
+}
+
+bool VirtualDesktop::enableAccessibility() {
+    return run({"dbus-send", "--session", "--print-reply=literal", "--reply-timeout=20000",
+                "--dest=org.a11y.Bus", "/org/a11y/bus", "org.freedesktop.DBus.Properties.Set",
+                "string:org.a11y.Status", "string:IsEnabled", "variant:boolean:true"},
+               environment_) == 0;
+}
+
+void VirtualDesktop::killAccessibilityBus() {
+    // The kernel keeps 15 characters of a name.
+    for (const pid_t pid : descendantsNamed("at-spi-bus-laun")) {
+        ::kill(pid, SIGKILL);
+    }
+}
+
+bool VirtualDesktop::changeWindowManager(WindowManagerKind kind) {
+    stopCompositor();
+    windowManager_.stop();
+    const WindowManager manager = describe(kind, path("config"));
+    if (manager.command.empty()) {
+        return true;
+    }
+    if (!eventually([this] { return !session_->hasWindowManager(); })) {
+        return false;
+    }
+    Environment environment = environment_;
+    environment.insert(manager.environment.begin(), manager.environment.end());
+    windowManager_ = Process(manager.command, environment, path("wm.err"));
+    const bool ready =
+        eventually([this] { return session_->hasWindowManager() || !windowManager_.isRunning(); });
+    return ready && windowManager_.isRunning() && session_->windowManagerAnswers() &&
+           (!manager.withPicom || startCompositor());
+}
+
+bool VirtualDesktop::startCompositor() {
+    compositor_ = start({"picom", "--backend", "xrender", "--config", "/dev/null"}, "compositor.err");
+    return eventually([this] {
+        const auto owner = own(xcb_get_selection_owner_reply(
+            session_->connection(),
+            xcb_get_selection_owner(session_->connection(), session_->atom("_NET_WM_CM_S0")), nullptr));
+        return owner && owner->owner != XCB_NONE;
+    });
+}
+
+void VirtualDesktop::stopCompositor() {
+    compositor_.stop();
+}
+
+} // namespace skylet::desktop

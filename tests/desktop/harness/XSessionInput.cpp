@@ -1,0 +1,100 @@
+#include "XSession.h"
+
+#include <xcb/xtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+namespace skylet::desktop {
+namespace {
+
+// Keysyms of the left-hand modifier keys.
+constexpr xcb_keysym_t modifierKey(Modifier modifier) {
+    switch (modifier) {
+    case Modifier::control:
+        return 0xFFE3;
+    case Modifier::super:
+        return 0xFFEB;
+    case Modifier::shift:
+        return 0xFFE1;
+    case Modifier::alt:
+        return 0xFFE9;
+    }
+    return 0;
+}
+
+} // namespace
+
+xcb_keycode_t XSession::keycode(xcb_keysym_t key) const {
+    const xcb_setup_t* setup = xcb_get_setup(connection());
+    const auto count = static_cast<std::uint8_t>(setup->max_keycode - setup->min_keycode + 1);
+    const auto reply = own(xcb_get_keyboard_mapping_reply(
+        connection(), xcb_get_keyboard_mapping(connection(), setup->min_keycode, count), nullptr));
+    if (!reply) {
+        return 0;
+    }
+    const xcb_keysym_t* symbols = xcb_get_keyboard_mapping_keysyms(reply.get());
+    for (int i = 0; i < count; ++i) {
+        if (symbols[static_cast<std::ptrdiff_t>(i) * reply->keysyms_per_keycode] == key) {
+            return static_cast<xcb_keycode_t>(setup->min_keycode + i);
+        }
+    }
+    return 0;
+}
+
+void XSession::fake(std::uint8_t type, int detail, int x, int y) const {
+    xcb_test_fake_input(connection(), type, static_cast<std::uint8_t>(detail), XCB_CURRENT_TIME, root_,
+                        static_cast<std::int16_t>(x), static_cast<std::int16_t>(y), 0);
+}
+
+void XSession::hold(xcb_keysym_t key, bool down) const {
+    fake(down ? XCB_KEY_PRESS : XCB_KEY_RELEASE, keycode(key), 0, 0);
+    sync();
+}
+
+void XSession::press(xcb_keysym_t key, const std::vector<Modifier>& modifiers) const {
+    for (const Modifier modifier : modifiers) {
+        fake(XCB_KEY_PRESS, keycode(modifierKey(modifier)), 0, 0);
+    }
+    fake(XCB_KEY_PRESS, keycode(key), 0, 0);
+    fake(XCB_KEY_RELEASE, keycode(key), 0, 0);
+    for (auto modifier = modifiers.rbegin(); modifier != modifiers.rend(); ++modifier) {
+        fake(XCB_KEY_RELEASE, keycode(modifierKey(*modifier)), 0, 0);
+    }
+    sync();
+}
+
+void XSession::movePointer(int x, int y) const {
+    fake(XCB_MOTION_NOTIFY, 0, x, y);
+    sync();
+}
+
+void XSession::button(int number, bool down) const {
+    fake(down ? XCB_BUTTON_PRESS : XCB_BUTTON_RELEASE, number, 0, 0);
+    sync();
+}
+
+void XSession::click(int x, int y, int number) const {
+    movePointer(x, y);
+    button(number, true);
+    button(number, false);
+}
+
+void XSession::drag(int fromX, int fromY, int toX, int toY) const {
+    constexpr int steps = 8;
+    movePointer(fromX, fromY);
+    button(1, true);
+    for (int step = 1; step <= steps; ++step) {
+        movePointer(fromX + (toX - fromX) * step / steps, fromY + (toY - fromY) * step / steps);
+    }
+    button(1, false);
+}
+
+std::pair<int, int> XSession::pointer() const {
+    const auto reply =
+        own(xcb_query_pointer_reply(connection(), xcb_query_pointer(connection(), root_), nullptr));
+    return reply ? std::pair<int, int>{reply->root_x, reply->root_y} : std::pair{-1, -1};
+}
+
+} // namespace skylet::desktop
