@@ -73,18 +73,23 @@ Connection::Opened Connection::open(const std::string& display) {
     for (int i = 0; i < screenNumber && screens.rem > 1; ++i) {
         xcb_screen_next(&screens);
     }
-    std::unique_ptr<Connection> connection(new Connection(std::move(raw), screens.data));
+    std::unique_ptr<Connection> connection(new Connection(std::move(raw), screens.data, screenNumber));
     if (std::string missing = connection->queryExtensions(); !missing.empty()) {
         return {nullptr, std::move(missing)};
     }
+    const std::string selection = "_NET_WM_CM_S" + std::to_string(screenNumber);
+    auto compositor = connection->ask<xcb_intern_atom, xcb_intern_atom_reply>(
+        std::uint8_t{0}, static_cast<std::uint16_t>(selection.size()), selection.c_str());
     connection->atoms_ = internAtoms(connection->raw());
+    connection->compositorSelection_ = compositor ? compositor->atom : xcb_atom_t{XCB_ATOM_NONE};
     connection->watchSocket();
     return {std::move(connection), {}};
 }
 
-Connection::Connection(RawConnection raw, const xcb_screen_t* screen)
+Connection::Connection(RawConnection raw, const xcb_screen_t* screen, int screenNumber)
     : raw_(std::move(raw))
     , screen_(screen)
+    , screenNumber_(screenNumber)
     , self_(std::make_shared<Connection*>(this)) {
     helper_ = generateId();
     const std::uint32_t values[] = {1, XCB_EVENT_MASK_PROPERTY_CHANGE};

@@ -64,6 +64,9 @@ class Connection {
     [[nodiscard]] xcb_connection_t* raw() const { return raw_.get(); }
     [[nodiscard]] const xcb_screen_t& screen() const { return *screen_; }
     [[nodiscard]] xcb_window_t root() const { return screen_->root; }
+    [[nodiscard]] int screenNumber() const { return screenNumber_; }
+    // The selection that a compositing manager owns, _NET_WM_CM_S followed by the screen number.
+    [[nodiscard]] xcb_atom_t compositorSelection() const { return compositorSelection_; }
     [[nodiscard]] const Atoms& atoms() const { return atoms_; }
     [[nodiscard]] const Extensions& extensions() const { return extensions_; }
     [[nodiscard]] bool isOpen() const { return open_; }
@@ -129,7 +132,7 @@ class Connection {
     };
     using RawConnection = std::unique_ptr<xcb_connection_t, Disconnect>;
 
-    Connection(RawConnection raw, const xcb_screen_t* screen);
+    Connection(RawConnection raw, const xcb_screen_t* screen, int screenNumber);
     [[nodiscard]] std::string queryExtensions();
     void watchSocket();
     void handle(const xcb_generic_event_t& event);
@@ -142,6 +145,8 @@ class Connection {
 
     RawConnection raw_;
     const xcb_screen_t* screen_;
+    int screenNumber_;
+    xcb_atom_t compositorSelection_ = XCB_ATOM_NONE;
     Atoms atoms_;
     Extensions extensions_;
     bool open_ = true;

@@ -71,8 +71,8 @@ std::uint64_t ModifierMap::flags(std::uint16_t state) const {
 
 std::uint16_t ModifierMap::state(std::uint64_t flags) const {
     unsigned state = 0;
-    state |= (flags & ModifierFlags::shift) != 0 ? XCB_MOD_MASK_SHIFT : 0U;
-    state |= (flags & ModifierFlags::control) != 0 ? XCB_MOD_MASK_CONTROL : 0U;
+    state |= (flags & ModifierFlags::shift) != 0 ? unsigned{XCB_MOD_MASK_SHIFT} : 0U;
+    state |= (flags & ModifierFlags::control) != 0 ? unsigned{XCB_MOD_MASK_CONTROL} : 0U;
     state |= (flags & ModifierFlags::option) != 0 ? alt_ : 0U;
     state |= (flags & ModifierFlags::command) != 0 ? super_ : 0U;
     return static_cast<std::uint16_t>(state);

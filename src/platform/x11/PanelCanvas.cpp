@@ -77,7 +77,7 @@ void PanelCanvas::drawChanges() {
 }
 
 void PanelCanvas::redraw(const PixelRect& rect) {
-    if (shown_ && !frozen_) {
+    if (shown_ && !frozen_ && !resizing_) {
         drawWithItems({window_, windowPicture_.get(), 0, 0}, intersection(rect, bounds()));
     }
 }
@@ -131,9 +131,12 @@ void PanelCanvas::draw(const PaintDestination& destination, const PixelRect& rec
     }
 }
 
-void PanelCanvas::resized(int width, int height) {
+void PanelCanvas::resize(int width, int height, const std::function<void()>& layout) {
     width_ = width;
     height_ = height;
+    resizing_ = true;
+    layout();
+    resizing_ = false;
     if (frozen_) {
         // The frozen picture is stretched along, once more from its source.
         drawBackground();

@@ -11,6 +11,7 @@
 #include "platform/x11/MirrorPainter.h"
 #include "platform/x11/MirrorSurface.h"
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -32,7 +33,8 @@ class PanelCanvas {
     // Draws what changed in the surface since the last drawing. Nothing while not `shown`.
     void drawChanges();
     void redraw(const PixelRect& rect);
-    void resized(int width, int height);
+    // Takes the new size, lets `layout` place the items, then draws it all once.
+    void resize(int width, int height, const std::function<void()>& layout);
 
     // Keeps the present picture as the window's background, and draws no more until a surface is set.
     void freeze();
@@ -57,6 +59,7 @@ class PanelCanvas {
     int height_;
     bool shown_ = false;
     bool frozen_ = false;
+    bool resizing_ = false;
     PictureId windowPicture_;
     MirrorPainter painter_;
     std::shared_ptr<MirrorSurface> surface_;
