@@ -1,0 +1,173 @@
+#include "foundation/DiagnosticsLog.h"
+
+#include "foundation/LogLocation.h"
+#include "foundation/PreferenceKeys.h"
+#include "support/SimDefaults.h"
+
+#include <QTemporaryDir>
+
+#include <condition_variable>
+#include <deque>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <mutex>
+#include <regex>
+#include <sys/stat.h>
+#include <thread>
+
+namespace skylet {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A queue with a thread of its own, as in production.
+class ThreadQueue final : public platform::SerialQueue {
+  public:
+    ~ThreadQueue() override {
+        async(nullptr);
+        thread_.join();
+    }
+    void async(platform::Work work) override {
+        const std::lock_guard lock(mutex_);
+        items_.push_back(std::move(work));
+        changed_.notify_one();
+    }
+
+  private:
+    void run() {
+        while (const platform::Work work = next()) {
+            work();
+        }
+    }
+    platform::Work next() {
+        std::unique_lock lock(mutex_);
+        changed_.wait(lock, [this] { return !items_.empty(); });
+        platform::Work work = std::move(items_.front());
+        items_.pop_front();
+        return work;
+    }
+
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::deque<platform::Work> items_;
+    std::thread thread_{[this] {
+        run();
+    }};
+};
+
+struct ThreadQueues final : platform::SerialQueueFactory {
+    std::unique_ptr<platform::SerialQueue> makeSerialQueue(const std::string& name) override {
+        label = name;
+        return std::make_unique<ThreadQueue>();
+    }
+    std::string label;
+};
+
+class DiagnosticsLogTest : public testing::Test {
+  protected:
+    DiagnosticsLogTest() {
+        ::setenv("XDG_STATE_HOME", state().c_str(), 1); // NOLINT(concurrency-mt-unsafe): no thread runs yet
+        defaults.setBool(PreferenceKeys::debugLogging, true);
+    }
+    [[nodiscard]] std::string state() const {
+        return directory.filePath(QStringLiteral("a/state")).toStdString();
+    }
+    [[nodiscard]] std::string file() const { return state() + "/Skylet/skylet.log"; }
+
+    // Logs through a log that is gone, and so has written everything, on return.
+    template <class Body>
+    void withLog(Body body) {
+        DiagnosticsLog log(defaults, queues, prepareLogFilePath);
+        body(log);
+    }
+    [[nodiscard]] std::vector<std::string> lines() const {
+        std::vector<std::string> all;
+        std::ifstream stream(file());
+        for (std::string line; std::getline(stream, line);) {
+            all.push_back(line);
+        }
+        return all;
+    }
+    static mode_t modeOf(const std::string& path) {
+        struct stat status {};
+        return ::stat(path.c_str(), &status) == 0 ? status.st_mode & 07777U : 0;
+    }
+
+    QTemporaryDir directory;
+    sim::SimDefaults defaults;
+    ThreadQueues queues;
+};
+
+TEST_F(DiagnosticsLogTest, OffMeansNoFileNoDirectoryAndNoMessage) {
+    for (const bool absent : {false, true}) {
+        defaults.setBool(PreferenceKeys::debugLogging, false);
+        if (absent) {
+            defaults.remove(PreferenceKeys::debugLogging);
+        }
+        withLog([](DiagnosticsLog& log) {
+            wplog(log, [] {
+                ADD_FAILURE() << "the message was built";
+                return std::string();
+            });
+        });
+        EXPECT_FALSE(fs::exists(state()));
+    }
+}
+
+TEST_F(DiagnosticsLogTest, WritesPrivateFilesAndTheExactLineFormat) {
+    withLog([&](DiagnosticsLog& log) {
+        EXPECT_FALSE(fs::exists(state())) << "nothing is made before the first line";
+        wplog(log, [] { return std::string("perché — ok"); });
+        defaults.setBool(PreferenceKeys::debugLogging, false);
+        wplog(log, [] { return std::string("switched off"); });
+        defaults.setBool(PreferenceKeys::debugLogging, true);
+        wplog(log, [] { return std::string("\xff not UTF-8"); });
+    });
+    ASSERT_EQ(lines().size(), 1U);
+    const std::regex format(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3}  perché — ok)");
+    EXPECT_TRUE(std::regex_match(lines()[0], format)) << lines()[0];
+    EXPECT_EQ(modeOf(file()), 0600U);
+    EXPECT_EQ(modeOf(state() + "/Skylet"), 0700U);
+    EXPECT_EQ(modeOf(state()), 0700U);
+    EXPECT_EQ(queues.label, "com.corvane.skylet.floating.log");
+}
+
+TEST_F(DiagnosticsLogTest, RefusesASymbolicLinkAndSurvivesAReplacedFile) {
+    fs::create_directories(state() + "/Skylet");
+    const std::string elsewhere = state() + "/elsewhere";
+    std::ofstream(elsewhere).flush();
+    fs::create_symlink(elsewhere, file());
+    withLog([](DiagnosticsLog& log) { wplog(log, [] { return std::string("dropped"); }); });
+    EXPECT_EQ(fs::file_size(elsewhere), 0U);
+    fs::remove(file());
+    withLog([](DiagnosticsLog& log) { wplog(log, [] { return std::string("kept"); }); });
+    withLog([](DiagnosticsLog& log) { wplog(log, [] { return std::string("appended"); }); });
+    EXPECT_EQ(lines().size(), 2U);
+}
+
+TEST_F(DiagnosticsLogTest, LinesOfTwoThreadsStayWholeAndInOrder) {
+    constexpr int count = 300;
+    withLog([](DiagnosticsLog& log) {
+        const auto write = [&log](char name) {
+            for (int i = 0; i < count; ++i) {
+                wplog(log, [&] { return std::string(1, name) + " " + std::to_string(i); });
+            }
+        };
+        std::thread other(write, 'b');
+        write('a');
+        other.join();
+    });
+    int expectedA = 0;
+    int expectedB = 0;
+    for (const std::string& line : lines()) {
+        const std::string message = line.substr(25);
+        int& expected = message[0] == 'a' ? expectedA : expectedB;
+        EXPECT_EQ(message.substr(1), " " + std::to_string(expected++));
+    }
+    EXPECT_EQ(expectedA, count);
+    EXPECT_EQ(expectedB, count);
+}
+
+} // namespace
+} // namespace skylet

@@ -1,0 +1,62 @@
+// The keyboard side of the simulated desktop: the event tap, and the permission to post events.
+#pragma once
+
+#include "platform/EventPoster.h"
+#include "platform/EventTap.h"
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace skylet::sim {
+
+class SimEventTap final : public platform::EventTap {
+  public:
+    bool canCreate = true;
+    bool permitted = true;
+    bool keyIsFree = true;
+    bool enabled = false;
+    std::optional<std::string> reason;
+    std::vector<std::pair<std::uint16_t, std::uint64_t>> wantedKeys;
+    int attempts = 0;
+
+    // The user presses a key; answers whether it was swallowed.
+    bool press(std::int64_t keyCode, std::uint64_t flags) {
+        return enabled && callback_(platform::TapEventType::keyDown, {.keyCode = keyCode, .flags = flags});
+    }
+    // The system disables the tap and says so; answers whether that notice was swallowed.
+    bool disable(platform::TapEventType notice) {
+        enabled = false;
+        return callback_(notice, {});
+    }
+
+    bool setWantedKey(std::uint16_t keyCode, std::uint64_t flags) override {
+        wantedKeys.emplace_back(keyCode, flags);
+        return !callback_ || keyIsFree;
+    }
+    [[nodiscard]] bool create(Callback callback) override {
+        ++attempts;
+        if (canCreate) {
+            callback_ = std::move(callback);
+        }
+        return canCreate;
+    }
+    [[nodiscard]] bool exists() const override { return static_cast<bool>(callback_); }
+    void setEnabled(bool value) override { enabled = value; }
+    [[nodiscard]] std::optional<std::string> failureReason() const override { return reason; }
+    [[nodiscard]] bool mayCreate() const override { return permitted; }
+    [[nodiscard]] bool preflightListenAccess() override { return permitted; }
+
+  private:
+    Callback callback_;
+};
+
+class SimEventPoster final : public platform::EventPoster {
+  public:
+    bool permitted = true;
+
+    [[nodiscard]] bool preflightPostAccess() override { return permitted; }
+};
+
+} // namespace skylet::sim

@@ -1,0 +1,96 @@
+// Panels of the simulated desktop: they remember what was done to them and take a test's input.
+#pragma once
+
+#include "platform/Panel.h"
+
+#include <memory>
+#include <vector>
+
+namespace skylet::sim {
+
+struct SimDecoration final : platform::Decoration {
+    void setFrame(platform::Rect rect) override { frame = rect; }
+    void setHidden(bool value) override { hidden = value; }
+    void setDrawing(const platform::Drawing& value) override { drawing = value; }
+
+    platform::Rect frame;
+    bool hidden = true;
+    platform::Drawing drawing;
+};
+
+struct SimLayer final : platform::Layer {
+    void setContents(platform::SurfaceRef surface) override { contents = std::move(surface); }
+    void setFrame(platform::Rect rect) override { frame = rect; }
+
+    platform::SurfaceRef contents;
+    platform::Rect frame;
+};
+
+class SimPanelFactory;
+
+class SimPanel final : public platform::Panel {
+  public:
+    enum class Order { out, front, back };
+
+    SimPanel(SimPanelFactory& factory, platform::Rect frame,
+             const platform::PanelConfiguration& configuration);
+    ~SimPanel() override;
+
+    platform::PanelConfiguration configuration;
+    Order order = Order::out;
+    int level;
+    double alpha = 1;
+    std::vector<std::pair<double, double>> animations; // end value, seconds
+    SimLayer layer;
+    std::vector<std::unique_ptr<SimDecoration>> decorations;
+    std::optional<double> scale;
+
+    // The user does something at a place of the panel; true to the rules of tracking and of window drags.
+    void inject(platform::EventType type, platform::Point location, std::uint64_t modifiers = 0);
+    void inject(platform::InputEvent event);
+    // No event will come any more.
+    void endTracking();
+
+    [[nodiscard]] platform::Rect frame() const override { return frame_; }
+    void setFrame(platform::Rect rect, bool display) override;
+    void setResizeHandler(std::function<void()> handler) override { resizeHandler_ = std::move(handler); }
+    [[nodiscard]] bool isVisible() const override { return order != Order::out; }
+    void setLevel(int value) override { level = value; }
+    void orderFrontRegardless() override { order = Order::front; }
+    void orderBack() override { order = Order::back; }
+    void orderOut() override { order = Order::out; }
+    void setAlpha(double value) override { alpha = value; }
+    void animateAlpha(double value, double seconds) override;
+    void setCollectionBehavior(std::uint32_t behavior) override {
+        configuration.collectionBehavior = behavior;
+    }
+    [[nodiscard]] platform::Layer& contentLayer() override { return layer; }
+    [[nodiscard]] platform::Decoration& addDecoration() override;
+    [[nodiscard]] std::optional<double> backingScaleFactor() const override { return scale; }
+    void setEventHandler(EventHandler handler) override { eventHandler_ = std::move(handler); }
+    void trackEvents(std::uint64_t mask, TrackingHandler handler) override;
+    void performWindowDrag(const platform::InputEvent& mouseDown, std::function<void()> done) override;
+
+  private:
+    SimPanelFactory& factory_;
+    platform::Rect frame_;
+    std::function<void()> resizeHandler_;
+    EventHandler eventHandler_;
+    std::uint64_t trackingMask_ = 0;
+    TrackingHandler trackingHandler_;
+    std::function<void()> dragDone_;
+    platform::Point dragStart_;
+    platform::Point dragOrigin_;
+};
+
+class SimPanelFactory final : public platform::PanelFactory {
+  public:
+    std::vector<SimPanel*> panels; // those that live, oldest first
+
+    [[nodiscard]] std::unique_ptr<platform::Panel>
+    makePanel(platform::Rect contentRect, const platform::PanelConfiguration& configuration) override {
+        return std::make_unique<SimPanel>(*this, contentRect, configuration);
+    }
+};
+
+} // namespace skylet::sim

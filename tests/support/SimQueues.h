@@ -1,0 +1,64 @@
+// Queues on virtual time: nothing runs until a test advances the time or drains a queue.
+//
+// Threads: one thread only.
+#pragma once
+
+#include "platform/Queues.h"
+
+#include <deque>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+
+namespace skylet::sim {
+
+class SimMainQueue final : public platform::MainQueue {
+  public:
+    [[nodiscard]] double now() const override { return now_; }
+    void async(platform::Work work) override { after(0, std::move(work)); }
+    void after(double seconds, platform::Work work) override;
+    [[nodiscard]] platform::TimerRef every(double seconds, platform::Work work) override;
+
+    // Runs everything that becomes due, in the order of its time, then of its queueing.
+    void advance(double seconds);
+    // Forgets all queued work.
+    void dropAll() { work_.clear(); }
+
+  private:
+    struct Tick;
+    void scheduleTick(const std::shared_ptr<Tick>& tick);
+
+    double now_ = 0;
+    std::uint64_t queued_ = 0;
+    std::map<std::pair<double, std::uint64_t>, platform::Work> work_;
+};
+
+// Runs its items on the main queue, one per turn, or only when drained if there is none.
+class SimSerialQueue final : public platform::SerialQueue {
+  public:
+    explicit SimSerialQueue(SimMainQueue* runner) : runner_(runner) {}
+    ~SimSerialQueue() override { drain(); }
+
+    void async(platform::Work work) override;
+    void drain();
+
+  private:
+    using Items = std::deque<platform::Work>;
+    static void runNext(Items& items);
+
+    SimMainQueue* runner_;
+    std::shared_ptr<Items> items_ = std::make_shared<Items>();
+};
+
+// Makes queues that run only when drained; remembers the last one for that.
+class SimSerialQueueFactory final : public platform::SerialQueueFactory {
+  public:
+    [[nodiscard]] std::unique_ptr<platform::SerialQueue> makeSerialQueue(const std::string& label) override;
+    void drain() const;
+
+  private:
+    SimSerialQueue* last_ = nullptr;
+};
+
+} // namespace skylet::sim
