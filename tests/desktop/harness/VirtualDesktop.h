@@ -43,6 +43,7 @@ class VirtualDesktop {
     void stopCompositor();
     [[nodiscard]] Process& sessionBus() { return sessionBus_; }
     void killAccessibilityBus();
+    void killServer() { server_.signal(9); }
 
     // The program with this desktop as its environment.
     [[nodiscard]] Process start(const Command& command, const std::string& errorFile = {}) const;

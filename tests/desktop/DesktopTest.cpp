@@ -1,0 +1,72 @@
+#include "DesktopTest.h"
+
+#include <algorithm>
+
+namespace skylet::desktop {
+
+void DesktopTest::openDesktop(const DesktopOptions& options) {
+    desktop_ = std::make_unique<VirtualDesktop>(options);
+    ASSERT_EQ(desktop_->problem(), "");
+}
+
+void DesktopTest::launch(const Preferences& preferences) {
+    skylet_ = std::make_unique<SkyletProgram>(desktop(), preferences);
+    ASSERT_TRUE(skylet_->waitUntilLaunched()) << skylet_->logText() << skylet_->errorOutput();
+}
+
+void DesktopTest::openPuppet() {
+    puppet_ = std::make_unique<Puppet>(desktop());
+    ASSERT_TRUE(puppet_->process().isRunning());
+}
+
+void DesktopTest::bringToFront(Window window) {
+    x().activate(window);
+    ASSERT_TRUE(eventually([&] {
+        return x().hasWindowManager() ? x().activeWindow() == window : x().inputFocus() == window;
+    })) << "window "
+        << window << " does not become active";
+}
+
+void DesktopTest::pinAndCover(Window target, Window cover) {
+    ASSERT_TRUE(skylet().pin(target)) << skylet().logText();
+    PREPARE(bringToFront(cover));
+    ASSERT_TRUE(eventually([&] { return skylet().overlayInFront().has_value(); })) << skylet().logText();
+}
+
+bool DesktopTest::floatsOver(Window target) {
+    const std::optional<Window> overlay = skylet().overlayInFront();
+    return overlay && x().geometry(*overlay) == x().visibleGeometry(target) && skylet().mirrors(target);
+}
+
+bool DesktopTest::isOutOfTheWayOf(Window target) {
+    const std::optional<Rectangle> place = x().visibleGeometry(target);
+    const std::vector<Window> overlays = skylet().overlays();
+    return place && std::ranges::all_of(overlays, [&](Window overlay) {
+               const Rectangle whole = x().geometry(overlay).value_or(Rectangle{});
+               const std::vector<Rectangle> shape = x().boundingShape(overlay);
+               return std::ranges::none_of(shape, [&](const Rectangle& part) {
+                   return part.x + whole.x < place->right() && part.right() + whole.x > place->x &&
+                          part.y + whole.y < place->bottom() && part.bottom() + whole.y > place->y;
+               });
+           });
+}
+
+int DesktopTest::endSkylet() {
+    const int code = skylet_->process().stop();
+    EXPECT_EQ(skylet_->errorOutput(), expectedErrors_);
+    skylet_.reset();
+    return code;
+}
+
+void DesktopTest::TearDown() {
+    if (skylet_) {
+        EXPECT_TRUE(skylet_->process().isRunning()) << "exit code " << skylet_->process().stop();
+        skylet_->process().stop();
+        EXPECT_EQ(skylet_->errorOutput(), expectedErrors_);
+        if (HasFailure()) {
+            std::cout << skylet_->logText();
+        }
+    }
+}
+
+} // namespace skylet::desktop

@@ -1,0 +1,59 @@
+// That pinning and releasing for a long time leaves nothing behind: memory, descriptors, resources of the X
+// server.
+#include "DesktopTest.h"
+
+namespace skylet::desktop {
+namespace {
+
+class FullGrowthTest : public DesktopTest {};
+
+TEST_F(FullGrowthTest, FiveHundredPinsLeaveNothing) {
+    constexpr int warmUp = 60;
+    constexpr int rounds = 500;
+    constexpr long allowedMemory = 2048; // kB, what the allocator may keep in pieces
+    PREPARE(openDesktop());
+    PREPARE(openPuppet());
+    const Window window = puppet().open("100 90 480 320 title=target");
+    Puppet other(desktop());
+    const Window cover = other.open("10 10 1000 700 title=cover");
+    PREPARE(launch());
+    PREPARE(bringToFront(window));
+
+    int pinned = 0;
+    const auto pinAndRelease = [&](bool withOverlay) {
+        skylet().forgetLog();
+        skylet().pressShortcut();
+        ASSERT_TRUE(skylet().waitForLog("togglePin: Pinned 'target'")) << "round " << pinned;
+        if (withOverlay) {
+            PREPARE(bringToFront(cover));
+            ASSERT_TRUE(eventually([&] { return skylet().overlayInFront().has_value(); }));
+            PREPARE(bringToFront(window));
+        }
+        skylet().pressShortcut();
+        ASSERT_TRUE(skylet().waitForLog("togglePin: Unpinned 'target'")) << "round " << pinned;
+        ++pinned;
+    };
+    // Every tenth overlay is also shown.
+    for (int round = 0; round < warmUp; ++round) {
+        PREPARE(pinAndRelease(round % 10 == 0));
+    }
+    const long memory = skylet().proportionalMemory();
+    const int descriptors = skylet().openDescriptors();
+    const auto resources = x().resourcesOf(skylet().process().pid());
+    ASSERT_GT(memory, 0);
+    ASSERT_FALSE(resources.empty());
+    for (int round = 0; round < rounds; ++round) {
+        PREPARE(pinAndRelease(round % 10 == 0));
+    }
+    // What is let go of may take a moment to be let go of in the server.
+    EXPECT_TRUE(eventually([&] { return x().resourcesOf(skylet().process().pid()) == resources; }));
+    for (const auto& [kind, number] : x().resourcesOf(skylet().process().pid())) {
+        const auto before = resources.find(kind);
+        EXPECT_EQ(number, before == resources.end() ? 0 : before->second) << kind;
+    }
+    EXPECT_EQ(skylet().openDescriptors(), descriptors);
+    EXPECT_LE(skylet().proportionalMemory(), memory + allowedMemory);
+}
+
+} // namespace
+} // namespace skylet::desktop

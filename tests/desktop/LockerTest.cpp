@@ -1,0 +1,90 @@
+// Screen lockers: not one pixel of an overlay may be seen while the screen is locked.
+#include "DesktopTest.h"
+
+#include <algorithm>
+#include <csignal>
+
+namespace skylet::desktop {
+namespace {
+
+struct Locker {
+    const char* name;
+    WindowManagerKind windowManager;
+    std::vector<Command> commands; // the last one locks
+};
+
+class LockerTest : public DesktopTest, public testing::WithParamInterface<Locker> {};
+
+// A colour that no locker shows, filling the pinned window.
+constexpr int telltaleTiles = 24;
+
+TEST_P(LockerTest, NoOverlayPixelWhileLocked) {
+    PREPARE(openDesktop({.windowManager = GetParam().windowManager}));
+    PREPARE(openPuppet());
+    const Window window = puppet().open("300 200 480 320 title=secret");
+    const Window cover = puppet().open("10 10 1200 740 title=cover");
+    puppet().tell("pattern 77 " + std::to_string(window));
+    PREPARE(launch());
+    PREPARE(pinAndCover(window, cover));
+    ASSERT_TRUE(eventually([&] { return skylet().mirrors(window); }));
+
+    const Rectangle all = x().screen();
+    const Rectangle place = x().visibleGeometry(window).value_or(Rectangle{});
+    const auto telltalePixels = [&] {
+        const Picture seen = x().screenshot(place);
+        int result = 0;
+        for (int tile = 0; tile < telltaleTiles && !seen.pixels.empty(); ++tile) {
+            result += count(seen, patternColour(77, tile, tile % 16));
+        }
+        return result;
+    };
+    ASSERT_GT(telltalePixels(), 0);
+
+    std::vector<Process> locker;
+    for (const Command& command : GetParam().commands) {
+        locker.push_back(desktop().start(command, "locker.err"));
+    }
+    // Locked: the screen's corner shows something else, and what the window shows is gone.
+    const bool locked = eventually([&] {
+        const std::vector<Window> stack = x().children(x().root());
+        return std::ranges::any_of(stack, [&](Window top) {
+            return x().isViewable(top) && !x().isInputOnly(top) && x().isOverrideRedirect(top) &&
+                   x().geometry(top) == all && x().pidOf(top) != skylet().process().pid();
+        });
+    });
+    ASSERT_TRUE(locked) << locker.back().errorOutput();
+    EXPECT_TRUE(eventually([&] { return telltalePixels() == 0; }));
+    // The pinned window goes on, applications come and go in front; nothing of it may be seen.
+    for (int change = 0; change < 6; ++change) {
+        x().activate(change % 2 == 0 ? window : cover);
+        puppet().tell("pattern 77 " + std::to_string(window));
+        EXPECT_TRUE(throughout(std::chrono::milliseconds(400), [&] { return telltalePixels() == 0; }));
+    }
+    for (auto process = locker.rbegin(); process != locker.rend(); ++process) {
+        process->signal(SIGKILL);
+        (void)process->waitForExit();
+    }
+    for (const char* helper :
+         {"xscreensaver-gf", "xscreensaver-au", "saver_multiplex", "saver_blank", "dimmer"}) {
+        for (const pid_t pid : descendantsNamed(helper)) {
+            ::kill(pid, SIGKILL);
+        }
+    }
+    x().activate(cover);
+    EXPECT_TRUE(eventually([&] { return skylet().mirrors(window); }));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Full, LockerTest,
+    testing::Values(Locker{"i3lock", WindowManagerKind::openbox, {{"i3lock", "--nofork", "--color=102030"}}},
+                    Locker{"i3lock_under_kwin",
+                           WindowManagerKind::kwinCompositing,
+                           {{"i3lock", "--nofork", "--color=102030"}}},
+                    Locker{"xsecurelock", WindowManagerKind::openbox, {{"xsecurelock"}}},
+                    Locker{"xscreensaver",
+                           WindowManagerKind::openbox,
+                           {{"xscreensaver", "--no-splash"}, {"xscreensaver-command", "-lock"}}}),
+    [](const auto& test) { return std::string(test.param.name); });
+
+} // namespace
+} // namespace skylet::desktop

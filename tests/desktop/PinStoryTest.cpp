@@ -1,0 +1,143 @@
+// One pinned window from its pin to its end, under every window manager and with every toolkit.
+#include "DesktopTest.h"
+
+#include <algorithm>
+
+namespace skylet::desktop {
+namespace {
+
+constexpr Rectangle minimumOverlay{0, 0, 320, 220};
+
+struct Combination {
+    WindowManagerKind windowManager;
+    ApplicationKind application;
+};
+
+std::string nameOf(const testing::TestParamInfo<Combination>& test) {
+    return nameOf(test.param.windowManager) + "_" + nameOf(test.param.application);
+}
+
+class PinStoryTest : public DesktopTest, public testing::WithParamInterface<Combination> {
+  protected:
+    void expectUndisturbed(Window active) {
+        if (x().hasWindowManager()) {
+            EXPECT_EQ(x().activeWindow(), active);
+        }
+        EXPECT_EQ(x().pidOf(x().inputFocus()), x().pidOf(active)) << "the keyboard went elsewhere";
+    }
+    [[nodiscard]] Rectangle overlayPlace() {
+        const std::optional<Window> overlay = skylet().overlayInFront();
+        return overlay ? x().geometry(*overlay).value_or(Rectangle{}) : Rectangle{};
+    }
+    // The lines of the log about one window, shortened to what each begins with.
+    [[nodiscard]] std::vector<std::string> linesAbout(Window window,
+                                                      const std::vector<std::string>& beginnings) {
+        std::vector<std::string> result;
+        for (const std::string& line : skylet().log()) {
+            for (const std::string& beginning : beginnings) {
+                if (line.starts_with(beginning) && line.find(std::to_string(window)) != std::string::npos) {
+                    result.push_back(beginning);
+                }
+            }
+        }
+        return result;
+    }
+};
+
+TEST_P(PinStoryTest, MirrorFollowsAndNeverDisturbs) {
+    PREPARE(openDesktop({.windowManager = GetParam().windowManager}));
+    Application application(desktop(), GetParam().application);
+    const Window target = application.window();
+    ASSERT_NE(target, Window{XCB_NONE}) << application.process().errorOutput();
+    PREPARE(openPuppet());
+    const Window cover = puppet().open("40 30 900 640 title=cover");
+    ASSERT_NE(cover, Window{XCB_NONE});
+    x().movePointer(1270, 790);
+    PREPARE(launch());
+
+    // Pinned while in front: nothing to float yet.
+    ASSERT_TRUE(skylet().pin(target)) << skylet().logText();
+    EXPECT_TRUE(skylet().waitForLog("togglePin: Pinned '"));
+    EXPECT_TRUE(isOutOfTheWayOf(target));
+
+    // Another application comes to the front.
+    PREPARE(bringToFront(cover));
+    ASSERT_TRUE(eventually([&] { return floatsOver(target); }));
+    expectUndisturbed(cover);
+
+    // The covered window changes, then moves and is resized.
+    const std::optional<Picture> before = x().content(target);
+    application.changeContent();
+    EXPECT_TRUE(eventually([&] { return x().content(target) != before && skylet().mirrors(target); }));
+    const Rectangle old = x().geometry(target).value_or(Rectangle{});
+    x().moveResize(target, {old.x + 60, old.y + 40, old.width + 30, old.height + 50});
+    EXPECT_TRUE(eventually([&] { return x().geometry(target) != old && floatsOver(target); }));
+    expectUndisturbed(cover);
+
+    // The user's hands: first the left grip, then the right one.
+    const Rectangle placed = overlayPlace();
+    x().drag(placed.x + 6, placed.bottom() - 6, placed.x + 206, placed.bottom() + 44);
+    const Rectangle moved{placed.x + 200, placed.y + 50, placed.width, placed.height};
+    EXPECT_TRUE(eventually([&] { return overlayPlace() == moved; })) << overlayPlace() << " for " << moved;
+    expectUndisturbed(cover);
+    x().drag(moved.right() - 6, moved.bottom() - 6, moved.right() - 56, moved.bottom() + 24);
+    const Rectangle resized{moved.x, moved.y, moved.width - 50, moved.height + 30};
+    EXPECT_TRUE(eventually([&] { return overlayPlace() == resized; }))
+        << overlayPlace() << " for " << resized;
+    x().drag(resized.right() - 6, resized.bottom() - 6, resized.x + 20, resized.y + 20);
+    const Rectangle smallest{moved.x, moved.y, minimumOverlay.width, minimumOverlay.height};
+    EXPECT_TRUE(eventually([&] { return overlayPlace() == smallest; }))
+        << overlayPlace() << " for " << smallest;
+    expectUndisturbed(cover);
+
+    // From now on the overlay's place is the user's.
+    const Rectangle present = x().geometry(target).value_or(Rectangle{});
+    x().moveResize(target, {present.x - 30, present.y - 20, present.width, present.height});
+    EXPECT_TRUE(throughout(std::chrono::milliseconds(700), [&] { return overlayPlace() == smallest; }));
+
+    // Behind with its own window in front, floating again without.
+    x().movePointer(1270, 790);
+    PREPARE(bringToFront(target));
+    EXPECT_TRUE(skylet().waitForLog("overlay: sendBehind wid="));
+    EXPECT_TRUE(eventually([&] { return isOutOfTheWayOf(target); }));
+    PREPARE(bringToFront(cover));
+    EXPECT_TRUE(eventually([&] { return overlayPlace() == smallest; }));
+    expectUndisturbed(cover);
+    EXPECT_EQ(x().pointer(), std::pair(1270, 790));
+
+    // The shortcut releases the only pinned window, whatever is in front.
+    skylet().pressShortcut();
+    EXPECT_TRUE(skylet().waitForLog("togglePin: Unpinned '"));
+    EXPECT_TRUE(eventually([&] { return skylet().overlays().empty(); }));
+    EXPECT_EQ(linesAbout(target, {"pin: overlay created for wid=", "overlay: bringToFront wid=",
+                                  "overlay: sendBehind wid=", "overlay: hideOverlay wid="}),
+              (std::vector<std::string>{
+                  "pin: overlay created for wid=", "overlay: bringToFront wid=", "overlay: sendBehind wid=",
+                  "overlay: bringToFront wid=", "overlay: hideOverlay wid="}));
+}
+
+INSTANTIATE_TEST_SUITE_P(Small, PinStoryTest,
+                         testing::Values(Combination{WindowManagerKind::openbox, ApplicationKind::puppet},
+                                         Combination{WindowManagerKind::openbox, ApplicationKind::xterm},
+                                         Combination{WindowManagerKind::none, ApplicationKind::puppet}),
+                         nameOf);
+
+std::vector<Combination> everything() {
+    std::vector<Combination> result;
+    for (const auto windowManager :
+         {WindowManagerKind::openbox, WindowManagerKind::openboxPicom, WindowManagerKind::xfwm4,
+          WindowManagerKind::xfwm4Compositing, WindowManagerKind::metacity, WindowManagerKind::mutter,
+          WindowManagerKind::kwin, WindowManagerKind::kwinCompositing, WindowManagerKind::i3}) {
+        for (const auto application :
+             {ApplicationKind::puppet, ApplicationKind::xterm, ApplicationKind::gtk3, ApplicationKind::gtk4,
+              ApplicationKind::qt5, ApplicationKind::qt6, ApplicationKind::tk}) {
+            result.push_back({windowManager, application});
+        }
+    }
+    return result;
+}
+
+INSTANTIATE_TEST_SUITE_P(Full, PinStoryTest, testing::ValuesIn(everything()), nameOf);
+
+} // namespace
+} // namespace skylet::desktop
