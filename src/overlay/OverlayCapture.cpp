@@ -15,6 +15,7 @@ namespace {
 using platform::CaptureError;
 
 constexpr double resolveRetrySeconds = 1.0;
+
 } // namespace
 
 // True while the user's refusal holds; asks the permission again, which may have been given since.
@@ -64,6 +65,8 @@ void WindowOverlay::finishResolving(const platform::ScreenCapture::ShareableCont
         return;
     }
     scWindow = *found;
+    // From now on, so that the picture is whole by the time it is shown.
+    capturePreparation_ = environment_.screenCapture.prepareCapture(targetWindowID_);
     wplog(environment_.log, [&] {
         return "overlay: resolved SCWindow for wid=" + std::to_string(targetWindowID_) + " title='" +
                scWindow->title + "'";

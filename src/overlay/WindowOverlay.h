@@ -103,6 +103,7 @@ class WindowOverlay {
     std::unique_ptr<OverlayCanvasView> canvas_;
 
     std::optional<platform::CaptureWindow> scWindow;
+    platform::Subscription capturePreparation_;
     bool isResolvingSCWindow = false;
     bool isRetryScheduled_ = false;
     bool screenCapturePermissionDenied = false;
