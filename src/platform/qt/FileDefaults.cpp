@@ -77,23 +77,6 @@ QString fromPath(const std::string& path) {
 
 } // namespace
 
-class FileDefaults::Observer : public SubscriptionBase {
-  public:
-    Observer(std::shared_ptr<std::vector<Observer*>> list, std::function<void()> notice)
-        : list_(std::move(list))
-        , notice_(std::move(notice)) {
-        list_->push_back(this);
-    }
-    Observer(const Observer&) = delete;
-    Observer& operator=(const Observer&) = delete;
-    ~Observer() override { std::erase(*list_, this); }
-    void notify() const { notice_(); }
-
-  private:
-    std::shared_ptr<std::vector<Observer*>> list_;
-    std::function<void()> notice_;
-};
-
 std::string FileDefaults::defaultPath() {
     QString base = qEnvironmentVariable("XDG_CONFIG_HOME");
     if (!QDir::isAbsolutePath(base)) {
@@ -102,9 +85,7 @@ std::string FileDefaults::defaultPath() {
     return QFile::encodeName(base + QStringLiteral("/Skylet/skylet.conf")).toStdString();
 }
 
-FileDefaults::FileDefaults(std::string path)
-    : file_(std::move(path))
-    , observers_(std::make_shared<std::vector<Observer*>>()) {
+FileDefaults::FileDefaults(std::string path) : file_(std::move(path)) {
     reload();
     noticed_ = currentValues();
     QObject::connect(&watcher_, &QFileSystemWatcher::fileChanged, &watcher_, [this] { noticeChanges(); });
@@ -238,7 +219,7 @@ bool FileDefaults::store(std::string_view key, const std::optional<std::string>&
 }
 
 Subscription FileDefaults::observeDidChange(std::function<void()> notice) {
-    return std::make_unique<Observer>(observers_, std::move(notice));
+    return observers_.add(std::move(notice));
 }
 
 // The file is watched for edits in place, its directory for a file that takes its place. While the directory
@@ -280,11 +261,7 @@ void FileDefaults::noticeChanges() {
         return;
     }
     noticed_ = std::move(values);
-    for (Observer* observer : std::vector(*observers_)) {
-        if (std::find(observers_->begin(), observers_->end(), observer) != observers_->end()) {
-            observer->notify();
-        }
-    }
+    observers_.notify();
 }
 
 } // namespace skylet::platform::qt

@@ -9,15 +9,14 @@
 
 #include "platform/Defaults.h"
 #include "platform/qt/GuardedFile.h"
+#include "platform/qt/Observers.h"
 
 #include <QFileSystemWatcher>
 
 #include <map>
-#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace skylet::platform::qt {
 
@@ -53,7 +52,6 @@ class FileDefaults : public Defaults {
         std::optional<std::string> value; // nothing: removed
         std::optional<std::string> inFile;
     };
-    class Observer;
 
     void refresh() const;
     void reload() const;
@@ -73,7 +71,7 @@ class FileDefaults : public Defaults {
     QFileSystemWatcher watcher_;
     bool checkScheduled_ = false;
     Values noticed_; // as of the last notice
-    std::shared_ptr<std::vector<Observer*>> observers_;
+    Observers<> observers_;
 };
 
 } // namespace skylet::platform::qt

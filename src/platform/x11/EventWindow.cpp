@@ -18,6 +18,9 @@ xcb_window_t eventWindow(const xcb_generic_event_t& event, const Extensions& ext
     case XCB_ENTER_NOTIFY:
     case XCB_LEAVE_NOTIFY:
         return as<xcb_button_press_event_t>(event).event;
+    case XCB_FOCUS_IN:
+    case XCB_FOCUS_OUT:
+        return as<xcb_focus_in_event_t>(event).event;
     case XCB_EXPOSE:
         return as<xcb_expose_event_t>(event).window;
     case XCB_VISIBILITY_NOTIFY:
