@@ -60,9 +60,9 @@ TEST_P(LockerTest, NoOverlayPixelWhileLocked) {
         puppet().tell("pattern 77 " + std::to_string(window));
         EXPECT_TRUE(throughout(std::chrono::milliseconds(400), [&] { return telltalePixels() == 0; }));
     }
-    for (auto process = locker.rbegin(); process != locker.rend(); ++process) {
-        process->signal(SIGKILL);
-        (void)process->waitForExit();
+    while (!locker.empty()) {
+        locker.back().signal(SIGKILL);
+        locker.pop_back();
     }
     for (const char* helper :
          {"xscreensaver-gf", "xscreensaver-au", "saver_multiplex", "saver_blank", "dimmer"}) {

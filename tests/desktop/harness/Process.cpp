@@ -53,7 +53,7 @@ Process::Process(const Command& command, const Environment& environment, std::st
     std::vector<std::string> arguments = command;
     std::vector<std::string> variables;
     for (const auto& [name, value] : environment) {
-        variables.push_back(name + "=" + value);
+        variables.push_back(std::string(name).append("=").append(value));
     }
     const std::vector<char*> argv = pointers(arguments);
     const std::vector<char*> envp = pointers(variables);
@@ -80,7 +80,7 @@ Process::Process(const Command& command, const Environment& environment, std::st
         ::signal(SIGPIPE, SIG_DFL);
         sigset_t none;
         ::sigemptyset(&none);
-        ::sigprocmask(SIG_SETMASK, &none, nullptr);
+        ::pthread_sigmask(SIG_SETMASK, &none, nullptr);
         if (::getppid() == parent) {
             ::execvpe(argv[0], argv.data(), envp.data());
         }

@@ -59,8 +59,8 @@ void XSession::press(xcb_keysym_t key, const std::vector<Modifier>& modifiers) c
     }
     fake(XCB_KEY_PRESS, keycode(key), 0, 0);
     fake(XCB_KEY_RELEASE, keycode(key), 0, 0);
-    for (auto modifier = modifiers.rbegin(); modifier != modifiers.rend(); ++modifier) {
-        fake(XCB_KEY_RELEASE, keycode(modifierKey(*modifier)), 0, 0);
+    for (const Modifier modifier : std::vector<Modifier>(modifiers.rbegin(), modifiers.rend())) {
+        fake(XCB_KEY_RELEASE, keycode(modifierKey(modifier)), 0, 0);
     }
     sync();
 }
