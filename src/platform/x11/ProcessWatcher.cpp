@@ -6,6 +6,7 @@
 #include <csignal>
 #include <sys/syscall.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace skylet::platform::x11 {
@@ -36,6 +37,10 @@ class ProcessWatcher::Watch {
     int descriptor_;
     QSocketNotifier* notifier_ = nullptr; // owned by its parent
 };
+
+ProcessWatcher::ProcessWatcher(std::function<void(ProcessID)> ended) : ended_(std::move(ended)) {}
+
+ProcessWatcher::~ProcessWatcher() = default;
 
 void ProcessWatcher::watch(ProcessID pid) {
     if (pid <= 0 || watches_.contains(pid)) {

@@ -19,9 +19,10 @@ namespace skylet::platform::x11 {
 class ProcessWatcher {
   public:
     // `ended` is called once for each watched process, from the event loop or from `checkAll`.
-    explicit ProcessWatcher(std::function<void(ProcessID)> ended) : ended_(std::move(ended)) {}
+    explicit ProcessWatcher(std::function<void(ProcessID)> ended);
     ProcessWatcher(const ProcessWatcher&) = delete;
     ProcessWatcher& operator=(const ProcessWatcher&) = delete;
+    ~ProcessWatcher();
 
     // Watching one that is watched already changes nothing. One that does not exist is not watched.
     void watch(ProcessID pid);
