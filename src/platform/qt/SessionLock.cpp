@@ -1,6 +1,7 @@
 #include "platform/qt/SessionLock.h"
 
 #include <QCoreApplication>
+#include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDBusVariant>
@@ -55,7 +56,7 @@ void SessionLock::update(bool& source, bool locked) {
     }
 }
 
-// Screen savers are told apart by neither; whoever speaks last is right.
+// Where there are two screen savers, the one that spoke last is right.
 void SessionLock::watchScreenSaver(const QString& service, const QString& path) {
     const auto take = [this](const QDBusMessage& message) {
         const QVariantList arguments = message.arguments();

@@ -9,6 +9,17 @@ namespace skylet::platform::x11 {
 
 namespace {
 
+int screenNumber(const Connection& connection) {
+    int number = 0;
+    for (auto it = xcb_setup_roots_iterator(xcb_get_setup(connection.raw())); it.rem > 0;
+         xcb_screen_next(&it), ++number) {
+        if (it.data->root == connection.root()) {
+            break;
+        }
+    }
+    return number;
+}
+
 xcb_atom_t internAtom(Connection& connection, const std::string& name) {
     auto reply = connection.ask<xcb_intern_atom, xcb_intern_atom_reply>(
         std::uint8_t{0}, static_cast<std::uint16_t>(name.size()), name.c_str());
@@ -17,9 +28,9 @@ xcb_atom_t internAtom(Connection& connection, const std::string& name) {
 
 } // namespace
 
-InstanceSelection::InstanceSelection(Connection& connection, int screen, std::function<void()> activated)
+InstanceSelection::InstanceSelection(Connection& connection, std::function<void()> activated)
     : connection_(connection)
-    , selection_(internAtom(connection, "_SKYLET_S" + std::to_string(screen)))
+    , selection_(internAtom(connection, "_SKYLET_S" + std::to_string(screenNumber(connection))))
     , window_(connection.generateId())
     , activated_(std::move(activated)) {
     connection_.send<xcb_create_window>(
@@ -38,6 +49,8 @@ InstanceSelection::~InstanceSelection() {
 
 bool InstanceSelection::claim() {
     const xcb_timestamp_t time = connection_.serverTime();
+    // Two that start at once must not both find it free.
+    connection_.send<xcb_grab_server>();
     auto before = connection_.ask<xcb_get_selection_owner, xcb_get_selection_owner_reply>(selection_);
     xcb_window_t owner = before ? before->owner : xcb_window_t{XCB_WINDOW_NONE};
     if (owner == XCB_WINDOW_NONE) {
@@ -45,6 +58,8 @@ bool InstanceSelection::claim() {
         auto after = connection_.ask<xcb_get_selection_owner, xcb_get_selection_owner_reply>(selection_);
         owner = after ? after->owner : window_;
     }
+    connection_.send<xcb_ungrab_server>();
+    connection_.flush();
     if (owner == window_) {
         return true;
     }

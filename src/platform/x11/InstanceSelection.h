@@ -13,7 +13,7 @@ namespace skylet::platform::x11 {
 class InstanceSelection {
   public:
     // `activated` is called when a later instance found this one.
-    InstanceSelection(Connection& connection, int screen, std::function<void()> activated);
+    InstanceSelection(Connection& connection, std::function<void()> activated);
     InstanceSelection(const InstanceSelection&) = delete;
     InstanceSelection& operator=(const InstanceSelection&) = delete;
     ~InstanceSelection();
