@@ -5,6 +5,9 @@
 namespace skylet::desktop {
 
 void DesktopTest::openDesktop(const DesktopOptions& options) {
+    // A desktop takes everything with it that was started after it.
+    puppet_.reset();
+    desktop_.reset();
     desktop_ = std::make_unique<VirtualDesktop>(options);
     ASSERT_EQ(desktop_->problem(), "");
 }

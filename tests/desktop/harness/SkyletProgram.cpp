@@ -21,12 +21,15 @@ SkyletProgram::SkyletProgram(VirtualDesktop& desktop, Preferences preferences) :
         text += "=" + value + "\n";
     }
     writeFile(desktop.configPath("Skylet/skylet.conf"), text);
+    forgetLog();
     process_ = desktop.start({SKYLET_BUILD_FOLDER "/skylet"}, "skylet.err");
 }
 
 SkyletProgram::SkyletProgram(VirtualDesktop& desktop, std::nullptr_t)
     : desktop_(desktop)
-    , process_(desktop.start({SKYLET_BUILD_FOLDER "/skylet"}, "skylet.err")) {}
+    , process_(desktop.start({SKYLET_BUILD_FOLDER "/skylet"}, "skylet.err")) {
+    forgetLog();
+}
 
 std::string SkyletProgram::logText() const {
     return readFile(desktop_.statePath("Skylet/skylet.log"));

@@ -87,10 +87,17 @@ bool VirtualDesktop::startServer(const DesktopOptions& options) {
     }
     environment_["DISPLAY"] = ":" + number;
     session_ = std::make_unique<XSession>(environment_["DISPLAY"]);
-    if (options.twoMonitors) {
-        session_->splitIntoTwoMonitors();
-    }
-    return session_->isConnected();
+    return session_->isConnected() && (!options.twoMonitors || splitScreen());
+}
+
+bool VirtualDesktop::splitScreen() {
+    // Side by side; the server's one output belongs to the left monitor.
+    const Rectangle all = session_->screen();
+    const std::string half = std::to_string(all.width / 2) + "/" + std::to_string(all.width / 8) + "x" +
+                             std::to_string(all.height) + "/" + std::to_string(all.height / 4);
+    return run({"xrandr", "--setmonitor", "left", half + "+0+0", "screen"}, environment_) == 0 &&
+           run({"xrandr", "--setmonitor", "right", half + "+" + std::to_string(all.width / 2) + "+0", "none"},
+               environment_) == 0;
 }
 
 bool VirtualDesktop::startSessionBus() {

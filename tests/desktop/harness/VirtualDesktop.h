@@ -50,6 +50,7 @@ class VirtualDesktop {
 
   private:
     bool startServer(const DesktopOptions& options);
+    bool splitScreen();
     bool startSessionBus();
     bool enableAccessibility();
 

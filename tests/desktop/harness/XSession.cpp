@@ -3,7 +3,6 @@
 #include "Wait.h"
 
 #include <xcb/composite.h>
-#include <xcb/randr.h>
 #include <xcb/res.h>
 #include <xcb/shape.h>
 
@@ -347,34 +346,6 @@ std::map<std::string, int> XSession::resourcesOf(pid_t pid) const {
         }
     }
     return result;
-}
-
-void XSession::splitIntoTwoMonitors() const {
-    const Rectangle all = screen();
-    const auto resources = own(xcb_randr_get_screen_resources_current_reply(
-        connection(), xcb_randr_get_screen_resources_current(connection(), root_), nullptr));
-    xcb_randr_output_t output = XCB_NONE;
-    if (resources && xcb_randr_get_screen_resources_current_outputs_length(resources.get()) > 0) {
-        output = *xcb_randr_get_screen_resources_current_outputs(resources.get());
-    }
-    for (int side = 0; side < 2; ++side) {
-        // A monitor info is followed by its outputs; only the left one has the only output there is.
-        struct {
-            xcb_randr_monitor_info_t info;
-            xcb_randr_output_t output;
-        } monitor{};
-        monitor.info.name = atom(side == 0 ? "left" : "right");
-        monitor.info.primary = side == 0;
-        monitor.info.nOutput = side == 0;
-        monitor.info.x = static_cast<std::int16_t>(side * all.width / 2);
-        monitor.info.width = static_cast<std::uint16_t>(all.width / 2);
-        monitor.info.height = static_cast<std::uint16_t>(all.height);
-        monitor.info.width_in_millimeters = monitor.info.width / 4U;
-        monitor.info.height_in_millimeters = monitor.info.height / 4U;
-        monitor.output = output;
-        xcb_randr_set_monitor(connection(), root_, &monitor.info);
-    }
-    sync();
 }
 
 } // namespace skylet::desktop

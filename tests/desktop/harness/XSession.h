@@ -103,9 +103,6 @@ class XSession {
     // Resources that a process holds in the server, all kinds together, and by kind.
     [[nodiscard]] std::map<std::string, int> resourcesOf(pid_t pid) const;
 
-    // Two monitors side by side, as real ones would be laid out.
-    void splitIntoTwoMonitors() const;
-
   private:
     struct Disconnect {
         void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
