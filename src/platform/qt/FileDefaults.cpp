@@ -228,14 +228,16 @@ void FileDefaults::watch() {
     QStringList wanted;
     for (const std::string& path : {file_.path(), file_.target()}) {
         QFileInfo info(fromPath(path));
-        if (info.exists()) {
+        if (info.isReadable()) {
             wanted << info.absoluteFilePath();
         }
         QString directory = info.absolutePath();
         while (!QFileInfo::exists(directory) && !QDir(directory).isRoot()) {
             directory = QFileInfo(directory).absolutePath();
         }
-        wanted << directory;
+        if (QFileInfo(directory).isReadable()) {
+            wanted << directory;
+        }
     }
     wanted.removeDuplicates();
     QStringList watched = watcher_.files() + watcher_.directories();

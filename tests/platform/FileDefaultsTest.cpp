@@ -1,0 +1,381 @@
+#include "platform/qt/FileDefaults.h"
+
+#include "platform/PrivateServer.h"
+#include "platform/Waiting.h"
+
+#include <QSettings>
+
+#include <atomic>
+#include <clocale>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
+
+namespace skylet::test {
+
+namespace {
+
+namespace fs = std::filesystem;
+using platform::DefaultsStatus;
+using platform::qt::FileDefaults;
+
+class FileDefaultsTest : public testing::Test {
+  protected:
+    void write(const std::string& bytes) const { writeFile(path_, bytes); }
+    // As editors save: a new file takes the name.
+    void replace(const std::string& bytes) const {
+        writeFile(path_ + ".new", bytes);
+        fs::rename(path_ + ".new", path_);
+    }
+    [[nodiscard]] std::string content() const { return readFile(path_); }
+
+    TemporaryDirectory directory_;
+    std::string path_ = directory_.path("skylet.conf");
+};
+
+// What root may do anyway cannot be tested as root.
+class WithoutPrivileges {
+  public:
+    WithoutPrivileges() {
+        if (getuid() == 0) {
+            dropped_ = seteuid(nobody) == 0;
+        }
+    }
+    WithoutPrivileges(const WithoutPrivileges&) = delete;
+    WithoutPrivileges& operator=(const WithoutPrivileges&) = delete;
+    ~WithoutPrivileges() {
+        if (dropped_ && seteuid(0) != 0) {
+            std::abort();
+        }
+    }
+
+  private:
+    static constexpr uid_t nobody = 65534;
+    bool dropped_ = false;
+};
+
+constexpr auto value = DefaultsStatus::value;
+constexpr auto wrong = DefaultsStatus::wrongType;
+
+struct ValueCase {
+    const char* raw;
+    DefaultsStatus boolStatus;
+    bool asBool;
+    DefaultsStatus integerStatus;
+    std::int64_t asInteger;
+    DefaultsStatus doubleStatus;
+    double asDouble;
+};
+
+TEST_F(FileDefaultsTest, ReadsTypesStrictly) {
+    const ValueCase cases[] = {
+        {"true", value, true, wrong, 0, wrong, 0},
+        {"TRUE", value, true, wrong, 0, wrong, 0},
+        {"False", value, false, wrong, 0, wrong, 0},
+        {"1", value, true, value, 1, value, 1},
+        {"0", value, false, value, 0, value, 0},
+        {"yes", wrong, false, wrong, 0, wrong, 0},
+        {"on", wrong, false, wrong, 0, wrong, 0},
+        {"2", wrong, false, value, 2, value, 2},
+        {"", wrong, false, wrong, 0, wrong, 0},
+        {"35.9", wrong, false, value, 35, value, 35.9},
+        {"-35.9", wrong, false, value, -35, value, -35.9},
+        {"1e3", wrong, false, value, 1000, value, 1000},
+        {"0,5", wrong, false, wrong, 0, wrong, 0},
+        {"0x10", wrong, false, wrong, 0, wrong, 0},
+        {"12 apples", wrong, false, wrong, 0, wrong, 0},
+        {"nan", wrong, false, wrong, 0, wrong, 0},
+        {"inf", wrong, false, wrong, 0, wrong, 0},
+        {"9223372036854775807", wrong, false, value, 9223372036854775807, value, 9223372036854775807.0},
+        {"9223372036854775808", wrong, false, wrong, 0, value, 9223372036854775808.0},
+        {"-1e300", wrong, false, wrong, 0, value, -1e300},
+        {"1e999", wrong, false, wrong, 0, wrong, 0},
+        {"\"1\"", value, true, value, 1, value, 1},
+        {" 7  ", wrong, false, value, 7, value, 7},
+        {"7 ; seven", wrong, false, value, 7, value, 7},
+    };
+    // Numbers are written the same in every language.
+    std::setlocale(LC_NUMERIC, "de_DE.UTF-8"); // NOLINT: one thread here
+    for (const ValueCase& one : cases) {
+        write(std::string("[General]\nkey=") + one.raw + "\n");
+        const FileDefaults defaults(path_);
+        EXPECT_EQ(defaults.readBool("key").status, one.boolStatus) << one.raw;
+        EXPECT_EQ(defaults.readBool("key").value, one.asBool) << one.raw;
+        EXPECT_EQ(defaults.readInteger("key").status, one.integerStatus) << one.raw;
+        EXPECT_EQ(defaults.readInteger("key").value, one.asInteger) << one.raw;
+        EXPECT_EQ(defaults.readDouble("key").status, one.doubleStatus) << one.raw;
+        EXPECT_EQ(defaults.readDouble("key").value, one.asDouble) << one.raw;
+        EXPECT_EQ(defaults.readBool("other").status, DefaultsStatus::absent) << one.raw;
+    }
+}
+
+TEST_F(FileDefaultsTest, FindsKeysOfTheUngroupedGroupOnly) {
+    write(
+        "\xEF\xBB\xBFtop=1\r\n[Other]\r\nkey=2\r\n[ general ]\r\n  key = 3 \r\nkey=4\r\n; key=5\r\n#key=6\r\n"
+        "KEY=7\r\n[%General]\r\nkey=8");
+    const FileDefaults defaults(path_);
+    EXPECT_EQ(defaults.readInteger("top").value, 1);
+    EXPECT_EQ(defaults.readInteger("key").value, 4);
+    EXPECT_EQ(defaults.readInteger("KEY").value, 7);
+}
+
+struct EditCase {
+    const char* before;
+    const char* after; // key removed "gone", key set to "true"
+};
+
+TEST_F(FileDefaultsTest, ChangesOnlyTheLineOfTheKey) {
+    const EditCase cases[] = {
+        {"", "[General]\nkey=true\n"},
+        {"[General]\n", "[General]\nkey=true\n"},
+        {"# mine\n[General]\nother = 1 ; why\n\n[Colors]\nkey=red\n",
+         "# mine\n[General]\nother = 1 ; why\nkey=true\n\n[Colors]\nkey=red\n"},
+        {"[General]\n  key =  false   ; because\nz=1\n", "[General]\n  key =  true   ; because\nz=1\n"},
+        {"[Colors]\nkey=red", "[Colors]\nkey=red\n\n[General]\nkey=true\n"},
+        {"[General]\nz=1", "[General]\nz=1\nkey=true\n"},
+        {"[General]\r\nz=1\r\n", "[General]\r\nz=1\r\nkey=true\r\n"},
+        {"[General]\nkey=1\nkey=2\n", "[General]\nkey=1\nkey=true\n"},
+        {"[General]\ngone=5\nkey=\n[X]\ngone=1\n", "[General]\nkey=true\n[X]\ngone=1\n"},
+        {"nonsense\n[General\nkey=1\n[General]\n", "nonsense\n[General\nkey=1\n[General]\nkey=true\n"},
+    };
+    for (const EditCase& one : cases) {
+        write(one.before);
+        FileDefaults defaults(path_);
+        defaults.remove("gone");
+        defaults.setBool("key", true);
+        EXPECT_EQ(content(), one.after) << one.before;
+        EXPECT_TRUE(defaults.readBool("key").value) << one.before;
+        EXPECT_EQ(defaults.readBool("gone").status, DefaultsStatus::absent) << one.before;
+    }
+}
+
+TEST_F(FileDefaultsTest, KeepsTextsWholeAndReadableByQt) {
+    const std::string texts[] = {
+        R"([{"actionTitle":"Fissa o sblocca finestra","keyCode":35}])",
+        "",
+        " blank ends ",
+        "@Invalid() and @@",
+        "a\\b\"c;d,e=f%20",
+        "line\nbreak\ttab\x01"
+        "1f",
+        "perch\xC3\xA9 \xF0\x9F\x93\x8C",
+        "[General]",
+    };
+    for (const std::string& text : texts) {
+        FileDefaults defaults(path_);
+        defaults.setData("text", text);
+        EXPECT_EQ(defaults.readText("text").value, text);
+        EXPECT_EQ(FileDefaults(path_).readText("text").value, text);
+        QSettings settings(QString::fromStdString(path_), QSettings::IniFormat);
+        EXPECT_EQ(settings.value(QStringLiteral("text")).toString().toStdString(), text);
+        settings.setValue(QStringLiteral("fromQt"), QString::fromStdString(text));
+        settings.setValue(QStringLiteral("bytes"), QByteArray::fromStdString(text));
+        settings.sync();
+        EXPECT_EQ(defaults.readText("fromQt").value, text);
+        EXPECT_EQ(defaults.readText("bytes").value, text);
+    }
+}
+
+TEST_F(FileDefaultsTest, StoresNumbersExactly) {
+    FileDefaults defaults(path_);
+    for (const double number : {0.0015, 1.0 / 3.0, -1e-300, 30.0, 1.7976931348623157e308}) {
+        defaults.setDouble("double", number);
+        EXPECT_EQ(FileDefaults(path_).readDouble("double").value, number);
+    }
+    defaults.setInteger("integer", 0x140000);
+    EXPECT_EQ(content().find("integer=1310720\n") != std::string::npos, true);
+}
+
+TEST_F(FileDefaultsTest, SeesEveryEditAtTheNextRead) {
+    write("[General]\nkey=10\n");
+    const FileDefaults defaults(path_);
+    ASSERT_EQ(defaults.readInteger("key").value, 10);
+    // Same size, one right after the other: only the file's times could tell, and those are coarse.
+    for (int i = 11; i < 60; ++i) {
+        const std::string bytes = "[General]\nkey=" + std::to_string(i) + "\n";
+        i % 2 == 0 ? write(bytes) : replace(bytes);
+        EXPECT_EQ(defaults.readInteger("key").value, i);
+    }
+    fs::remove(path_);
+    EXPECT_EQ(defaults.readInteger("key").status, DefaultsStatus::absent);
+}
+
+TEST_F(FileDefaultsTest, WritesOverTheFileAsItIsNow) {
+    write("[General]\nkey=1\n");
+    FileDefaults defaults(path_);
+    replace("[General]\nkey=1\nmeanwhile=2\n");
+    defaults.setInteger("key", 3);
+    EXPECT_EQ(content(), "[General]\nkey=3\nmeanwhile=2\n");
+}
+
+TEST_F(FileDefaultsTest, MakesFileAndDirectoryForTheUserOnly) {
+    const std::string path = directory_.path("new/Skylet/skylet.conf");
+    FileDefaults defaults(path);
+    EXPECT_FALSE(fs::exists(directory_.path("new")));
+    defaults.setBool("key", true);
+    struct stat status {};
+    ASSERT_EQ(stat(path.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777U, 0600U);
+    ASSERT_EQ(stat(directory_.path("new/Skylet").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777U, 0700U);
+    // Nothing is left beside it.
+    EXPECT_EQ(std::distance(fs::directory_iterator(directory_.path("new/Skylet")), fs::directory_iterator()),
+              1);
+}
+
+TEST_F(FileDefaultsTest, FollowsSymbolicLinks) {
+    const std::string target = directory_.path("dotfiles.conf");
+    fs::create_symlink("dotfiles.conf", path_);
+    FileDefaults defaults(path_);
+    defaults.setInteger("key", 1);
+    EXPECT_TRUE(fs::is_symlink(path_));
+    EXPECT_EQ(readFile(target), "[General]\nkey=1\n");
+    writeFile(target, "[General]\nkey=2\n");
+    EXPECT_EQ(defaults.readInteger("key").value, 2);
+}
+
+TEST_F(FileDefaultsTest, KeepsDamagedFilesAside) {
+    const std::string damages[] = {std::string("[General]\nkey=1\n\0", 17), "[General]\nkey=\xFF\n",
+                                   "[General]\nkey=1\n" + std::string(1024 * 1024, '#')};
+    int count = 0;
+    for (const std::string& bytes : damages) {
+        write(bytes);
+        FileDefaults defaults(path_);
+        EXPECT_EQ(defaults.readInteger("key").status, DefaultsStatus::absent);
+        EXPECT_EQ(content(), bytes) << "reading changed it";
+        defaults.setInteger("key", 7);
+        EXPECT_EQ(content(), "[General]\nkey=7\n");
+        EXPECT_EQ(readFile(path_ + ".damaged" + (count == 0 ? "" : "-" + std::to_string(count))), bytes);
+        ++count;
+    }
+    fs::remove(path_);
+    fs::create_directory(path_);
+    FileDefaults defaults(path_);
+    defaults.setInteger("key", 8);
+    EXPECT_EQ(content(), "[General]\nkey=8\n");
+    EXPECT_TRUE(fs::is_directory(path_ + ".damaged-3"));
+}
+
+struct ProtectionCase {
+    const char* name;
+    mode_t file;
+    mode_t directory;
+    bool readable;
+};
+
+TEST_F(FileDefaultsTest, LeavesProtectedFilesAlone) {
+    for (const ProtectionCase& one : {ProtectionCase{"read-only file", 0444, 0777, true},
+                                      ProtectionCase{"read-only directory", 0666, 0555, true},
+                                      ProtectionCase{"unreadable file", 0000, 0777, false}}) {
+        const std::string bytes = "[General]\nkey=1\n";
+        write(bytes);
+        ASSERT_EQ(chmod(path_.c_str(), one.file), 0);
+        ASSERT_EQ(chmod(directory_.path().c_str(), one.directory), 0);
+        {
+            const WithoutPrivileges plainUser;
+            FileDefaults defaults(path_);
+            EXPECT_EQ(defaults.readInteger("key").status,
+                      one.readable ? DefaultsStatus::value : DefaultsStatus::absent)
+                << one.name;
+            defaults.setInteger("key", 2);
+            defaults.setInteger("more", 3);
+            EXPECT_EQ(defaults.readInteger("key").value, 2) << one.name;
+            EXPECT_EQ(defaults.readInteger("more").value, 3) << one.name;
+            EXPECT_NE(FileDefaults(path_).readInteger("key").value, 2) << one.name;
+        }
+        ASSERT_EQ(chmod(directory_.path().c_str(), 0777), 0);
+        ASSERT_EQ(chmod(path_.c_str(), 0666), 0);
+        EXPECT_EQ(content(), bytes) << one.name;
+        EXPECT_EQ(std::distance(fs::directory_iterator(directory_.path()), fs::directory_iterator()), 1)
+            << one.name;
+    }
+}
+
+TEST_F(FileDefaultsTest, StoresLaterWhatCouldNotBeStored) {
+    write("[General]\n");
+    ASSERT_EQ(chmod(directory_.path().c_str(), 0555), 0);
+    const std::string open = directory_.path();
+    std::unique_ptr<FileDefaults> defaults;
+    {
+        const WithoutPrivileges plainUser;
+        defaults = std::make_unique<FileDefaults>(path_);
+        defaults->setInteger("kept", 1);
+        defaults->setInteger("edited", 1);
+    }
+    ASSERT_EQ(chmod(open.c_str(), 0777), 0);
+    write("[General]\nedited=2\n");
+    EXPECT_EQ(defaults->readInteger("edited").value, 2) << "the user's edit is the newer word";
+    defaults->setInteger("new", 3);
+    EXPECT_EQ(content(), "[General]\nedited=2\nkept=1\nnew=3\n");
+}
+
+TEST_F(FileDefaultsTest, TellsOfChangesOnce) {
+    write("[General]\nkey=1\n");
+    FileDefaults defaults(path_);
+    int notices = 0;
+    auto subscription = defaults.observeDidChange([&] { ++notices; });
+    defaults.setInteger("key", 2);
+    defaults.setInteger("key", 3);
+    EXPECT_EQ(notices, 0) << "inside the call";
+    EXPECT_TRUE(eventually([&] { return notices > 0; }));
+    EXPECT_EQ(notices, 1);
+
+    replace("[General]\nkey=4\n");
+    EXPECT_TRUE(eventually([&] { return notices == 2; }));
+    write("[General]\nkey=5\n");
+    // In place the file may be seen empty in between.
+    EXPECT_TRUE(eventually([&] { return notices >= 3 && defaults.readInteger("key").value == 5; }));
+
+    // A change that changes no value, then one that does: only the second is told.
+    EXPECT_TRUE(eventually([&] { return defaults.readInteger("key").value == 5; }));
+    QCoreApplication::processEvents();
+    notices = 0;
+    replace("# a comment\n[General]\nkey=5\n");
+    QCoreApplication::processEvents();
+    EXPECT_EQ(notices, 0);
+    replace("[General]\nkey=6\n");
+    EXPECT_TRUE(eventually([&] { return notices == 1; }));
+    subscription.reset();
+    defaults.setInteger("key", 7);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(notices, 1);
+}
+
+TEST_F(FileDefaultsTest, TellsOfAFileThatComesLater) {
+    FileDefaults defaults(directory_.path("later/Skylet/skylet.conf"));
+    int notices = 0;
+    const auto subscription = defaults.observeDidChange([&] { ++notices; });
+    fs::create_directories(directory_.path("later/Skylet"));
+    QCoreApplication::processEvents();
+    writeFile(directory_.path("later/Skylet/skylet.conf"), "[General]\nkey=1\n");
+    EXPECT_TRUE(eventually([&] { return notices > 0; }));
+}
+
+TEST_F(FileDefaultsTest, ReadsFromManyThreadsWhileItIsWritten) {
+    FileDefaults defaults(path_);
+    defaults.setInteger("key", 0);
+    std::atomic<bool> done{false};
+    std::atomic<int> wrongReads{0};
+    std::vector<std::thread> readers;
+    for (int i = 0; i < 3; ++i) {
+        readers.emplace_back([&] {
+            while (!done) {
+                wrongReads += defaults.readInteger("key").status != DefaultsStatus::value ? 1 : 0;
+            }
+        });
+    }
+    for (int i = 0; i < 30; ++i) {
+        defaults.setInteger("key", i);
+    }
+    done = true;
+    for (std::thread& reader : readers) {
+        reader.join();
+    }
+    EXPECT_EQ(wrongReads, 0);
+}
+
+} // namespace
+
+} // namespace skylet::test

@@ -1,0 +1,181 @@
+#include "platform/Waiting.h"
+#include "platform/qt/QtMainQueue.h"
+#include "platform/qt/SerialQueues.h"
+
+#include <QEventLoop>
+
+#include <atomic>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <numeric>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace skylet::test {
+
+namespace {
+
+using platform::TimerRef;
+using platform::qt::MainThreadSerialQueue;
+using platform::qt::QtMainQueue;
+using platform::qt::ThreadSerialQueue;
+
+std::vector<int> upTo(int count) {
+    std::vector<int> numbers(static_cast<std::size_t>(count));
+    std::iota(numbers.begin(), numbers.end(), 0);
+    return numbers;
+}
+
+TEST(QtMainQueue, RunsInOrderAndNeverInsideTheCall) {
+    QtMainQueue queue;
+    std::vector<int> ran;
+    queue.async([&] {
+        queue.async([&] { ran.push_back(2); });
+        ran.push_back(0);
+    });
+    queue.async([&] { ran.push_back(1); });
+    EXPECT_TRUE(ran.empty());
+    EXPECT_TRUE(eventually([&] { return ran.size() == 3; }));
+    EXPECT_EQ(ran, upTo(3));
+}
+
+TEST(QtMainQueue, TakesWorkFromOtherThreadsInTheirOrder) {
+    QtMainQueue queue;
+    constexpr int count = 2000;
+    std::vector<int> first;
+    std::vector<int> second;
+    const auto main = std::this_thread::get_id();
+    std::atomic<int> elsewhere{0};
+    const auto fill = [&](std::vector<int>& ran) {
+        return std::thread([&] {
+            for (int i = 0; i < count; ++i) {
+                queue.async([&ran, &elsewhere, main, i] {
+                    elsewhere += std::this_thread::get_id() != main ? 1 : 0;
+                    ran.push_back(i);
+                });
+            }
+        });
+    };
+    std::thread one = fill(first);
+    std::thread other = fill(second);
+    EXPECT_TRUE(eventually([&] { return first.size() + second.size() == 2 * count; }));
+    one.join();
+    other.join();
+    EXPECT_EQ(first, upTo(count));
+    EXPECT_EQ(second, upTo(count));
+    EXPECT_EQ(elsewhere, 0);
+}
+
+TEST(QtMainQueue, GoesOnInsideANestedLoop) {
+    QtMainQueue queue;
+    std::vector<int> ran;
+    QEventLoop nested;
+    queue.async([&] {
+        ran.push_back(0);
+        nested.exec();
+        ran.push_back(3);
+    });
+    queue.async([&] { ran.push_back(1); });
+    queue.async([&] {
+        ran.push_back(2);
+        nested.quit();
+    });
+    EXPECT_TRUE(eventually([&] { return ran.size() == 4; }));
+    EXPECT_EQ(ran, upTo(4));
+}
+
+TEST(QtMainQueue, KeepsTheOrderOfTimes) {
+    QtMainQueue queue;
+    std::vector<int> ran;
+    queue.after(0.03, [&] { ran.push_back(2); });
+    queue.after(0.01, [&] { ran.push_back(1); });
+    queue.after(0, [&] { ran.push_back(0); });
+    EXPECT_TRUE(ran.empty());
+    EXPECT_TRUE(eventually([&] { return ran.size() == 3; }));
+    EXPECT_EQ(ran, upTo(3));
+}
+
+TEST(QtMainQueue, StopsATimerThatIsLetGoOf) {
+    QtMainQueue queue;
+    int ticks = 0;
+    int late = 0;
+    TimerRef own;
+    TimerRef other = queue.every(0.001, [&] { ++late; });
+    // Both are due at once; whichever ticks lets go of itself and of the other.
+    own = queue.every(0.001, [&] {
+        if (++ticks == 3) {
+            other.reset();
+            own.reset();
+            late = 0;
+        }
+    });
+    EXPECT_TRUE(eventually([&] { return ticks == 3; }));
+    bool after = false;
+    queue.after(0.02, [&] { after = true; });
+    EXPECT_TRUE(eventually([&] { return after; }));
+    EXPECT_EQ(ticks, 3);
+    EXPECT_EQ(late, 0);
+}
+
+TEST(QtMainQueue, TimersMayOutliveIt) {
+    TimerRef timer;
+    {
+        QtMainQueue queue;
+        timer = queue.every(0.001, [] {});
+        queue.after(0.001, [] { ADD_FAILURE(); });
+    }
+    QCoreApplication::processEvents();
+    timer.reset();
+}
+
+TEST(ThreadSerialQueue, RunsAllInOrderBeforeItEnds) {
+    std::vector<int> ran;
+    {
+        ThreadSerialQueue queue("com.example.test");
+        for (int i = 0; i < 1000; ++i) {
+            queue.async([&ran, i] { ran.push_back(i); });
+        }
+        queue.async([&] { queue.async([&] { ran.push_back(1000); }); });
+    }
+    EXPECT_EQ(ran, upTo(1001));
+}
+
+TEST(ThreadSerialQueue, StartsNoThreadBeforeThereIsWork) {
+    const auto threads = [] {
+        return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
+    };
+    const auto before = threads();
+    ThreadSerialQueue queue("com.example.log");
+    EXPECT_EQ(threads(), before);
+    std::string name;
+    std::atomic<bool> done{false};
+    queue.async([&] {
+        char buffer[16] = {};
+        pthread_getname_np(pthread_self(), buffer, sizeof buffer);
+        name = buffer;
+        done = true;
+    });
+    EXPECT_TRUE(eventually([&] { return done.load(); }));
+    EXPECT_EQ(name, "log");
+}
+
+TEST(MainThreadSerialQueue, RunsOnTheMainQueueAndWhatIsLeftAtItsEnd) {
+    QtMainQueue mainQueue;
+    std::vector<int> ran;
+    {
+        MainThreadSerialQueue queue(mainQueue);
+        std::thread([&] { queue.async([&] { ran.push_back(0); }); }).join();
+        queue.async([&] { ran.push_back(1); });
+        EXPECT_TRUE(ran.empty());
+        EXPECT_TRUE(eventually([&] { return ran.size() == 2; }));
+        queue.async([&] { ran.push_back(2); });
+    }
+    EXPECT_EQ(ran, upTo(3));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(ran, upTo(3));
+}
+
+} // namespace
+
+} // namespace skylet::test

@@ -1,0 +1,123 @@
+#include "platform/TestClient.h"
+
+#include <xcb/xtest.h>
+
+namespace skylet::test {
+
+using platform::x11::XcbOwned;
+
+TestClient::TestClient() : connection_(xcb_connect(nullptr, nullptr)) {
+    if (xcb_connection_has_error(raw()) == 0) {
+        root_ = xcb_setup_roots_iterator(xcb_get_setup(raw())).data->root;
+    }
+}
+
+xcb_window_t TestClient::createWindow(xcb_rectangle_t place, xcb_window_t parent, bool overrideRedirect) {
+    const xcb_window_t window = xcb_generate_id(raw());
+    const std::uint32_t values[] = {overrideRedirect ? 1U : 0U};
+    xcb_create_window(raw(), XCB_COPY_FROM_PARENT, window, parent == XCB_WINDOW_NONE ? root_ : parent,
+                      place.x, place.y, place.width, place.height, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                      XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT, values);
+    sync();
+    return window;
+}
+
+void TestClient::map(xcb_window_t window) {
+    xcb_map_window(raw(), window);
+    sync();
+}
+
+void TestClient::unmap(xcb_window_t window) {
+    xcb_unmap_window(raw(), window);
+    sync();
+}
+
+void TestClient::destroy(xcb_window_t window) {
+    xcb_destroy_window(raw(), window);
+    sync();
+}
+
+void TestClient::focus(xcb_window_t window) {
+    xcb_set_input_focus(raw(), XCB_INPUT_FOCUS_POINTER_ROOT, window, XCB_CURRENT_TIME);
+    sync();
+}
+
+void TestClient::raise(xcb_window_t window) {
+    const std::uint32_t above = XCB_STACK_MODE_ABOVE;
+    xcb_configure_window(raw(), window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+    sync();
+}
+
+xcb_atom_t TestClient::atom(const std::string& name) {
+    const XcbOwned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
+        raw(), xcb_intern_atom(raw(), 0, static_cast<std::uint16_t>(name.size()), name.c_str()), nullptr));
+    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
+void TestClient::setItems(xcb_window_t window, const std::string& property, xcb_atom_t type,
+                          const std::vector<std::uint32_t>& items) {
+    xcb_change_property(raw(), XCB_PROP_MODE_REPLACE, window, atom(property), type, 32,
+                        static_cast<std::uint32_t>(items.size()), items.data());
+    sync();
+}
+
+void TestClient::setText(xcb_window_t window, xcb_atom_t property, xcb_atom_t type,
+                         const std::string& bytes) {
+    xcb_change_property(raw(), XCB_PROP_MODE_REPLACE, window, property, type, 8,
+                        static_cast<std::uint32_t>(bytes.size()), bytes.data());
+    sync();
+}
+
+void TestClient::deleteProperty(xcb_window_t window, const std::string& property) {
+    xcb_delete_property(raw(), window, atom(property));
+    sync();
+}
+
+xcb_window_t TestClient::pretendToManage() {
+    const xcb_window_t check = createWindow({-1, -1, 1, 1}, XCB_WINDOW_NONE, true);
+    setItems(check, "_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW, {check});
+    setItems(root_, "_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW, {check});
+    return check;
+}
+
+std::optional<std::uint8_t> TestClient::grabKey(std::uint16_t modifiers, xcb_keycode_t key) {
+    const XcbOwned<xcb_generic_error_t> error(
+        xcb_request_check(raw(), xcb_grab_key_checked(raw(), 0, root_, modifiers, key, XCB_GRAB_MODE_ASYNC,
+                                                      XCB_GRAB_MODE_ASYNC)));
+    return error ? std::optional(error->error_code) : std::nullopt;
+}
+
+void TestClient::ungrabKey(std::uint16_t modifiers, xcb_keycode_t key) {
+    xcb_ungrab_key(raw(), key, root_, modifiers);
+    sync();
+}
+
+void TestClient::fakeKey(xcb_keycode_t key, bool press) {
+    xcb_test_fake_input(raw(), press ? XCB_KEY_PRESS : XCB_KEY_RELEASE, key, XCB_CURRENT_TIME,
+                        XCB_WINDOW_NONE, 0, 0, 0);
+    sync();
+}
+
+void TestClient::strike(const std::vector<xcb_keycode_t>& keys) {
+    for (const xcb_keycode_t key : keys) {
+        fakeKey(key, true);
+    }
+    for (auto it = keys.rbegin(); it != keys.rend(); ++it) {
+        fakeKey(*it, false);
+    }
+}
+
+bool TestClient::waitForEvent() {
+    return XcbOwned<xcb_generic_event_t>(xcb_wait_for_event(raw())) != nullptr;
+}
+
+XcbOwned<xcb_generic_event_t> TestClient::pollEvent() {
+    return XcbOwned<xcb_generic_event_t>(xcb_poll_for_event(raw()));
+}
+
+void TestClient::sync() {
+    const XcbOwned<xcb_get_input_focus_reply_t> reply(
+        xcb_get_input_focus_reply(raw(), xcb_get_input_focus(raw()), nullptr));
+}
+
+} // namespace skylet::test

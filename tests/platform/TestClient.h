@@ -1,0 +1,60 @@
+// A plain client of the X server, for what other programs do.
+#pragma once
+
+#include "platform/x11/Reply.h"
+
+#include <xcb/xcb.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace skylet::test {
+
+class TestClient {
+  public:
+    // Connects to $DISPLAY.
+    TestClient();
+
+    [[nodiscard]] xcb_connection_t* raw() const { return connection_.get(); }
+    [[nodiscard]] xcb_window_t root() const { return root_; }
+
+    [[nodiscard]] xcb_window_t createWindow(xcb_rectangle_t place, xcb_window_t parent = XCB_WINDOW_NONE,
+                                            bool overrideRedirect = false);
+    // Every change is done when the call returns.
+    void map(xcb_window_t window);
+    void unmap(xcb_window_t window);
+    void destroy(xcb_window_t window);
+    void focus(xcb_window_t window);
+    void raise(xcb_window_t window);
+    [[nodiscard]] xcb_atom_t atom(const std::string& name);
+    void setItems(xcb_window_t window, const std::string& property, xcb_atom_t type,
+                  const std::vector<std::uint32_t>& items);
+    void setText(xcb_window_t window, xcb_atom_t property, xcb_atom_t type, const std::string& bytes);
+    void deleteProperty(xcb_window_t window, const std::string& property);
+    // A window manager's claim to be there, as EWMH has it; answers its check window.
+    xcb_window_t pretendToManage();
+
+    // The error of a key grab on the root.
+    [[nodiscard]] std::optional<std::uint8_t> grabKey(std::uint16_t modifiers, xcb_keycode_t key);
+    void ungrabKey(std::uint16_t modifiers, xcb_keycode_t key);
+    void fakeKey(xcb_keycode_t key, bool press);
+    // Presses the keys in order and releases them in reverse order.
+    void strike(const std::vector<xcb_keycode_t>& keys);
+
+    // False when the connection is gone.
+    [[nodiscard]] bool waitForEvent();
+    [[nodiscard]] platform::x11::XcbOwned<xcb_generic_event_t> pollEvent();
+    void sync();
+
+  private:
+    struct Disconnect {
+        void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
+    };
+    std::unique_ptr<xcb_connection_t, Disconnect> connection_;
+    xcb_window_t root_ = XCB_WINDOW_NONE;
+};
+
+} // namespace skylet::test

@@ -1,0 +1,27 @@
+// Waiting for a condition with a deadline, while the event loop runs.
+#pragma once
+
+#include <QCoreApplication>
+#include <QThread>
+
+#include <chrono>
+
+namespace skylet::test {
+
+// Far beyond what anything here takes, also on a loaded machine.
+constexpr std::chrono::seconds patience(20);
+
+template <class Condition>
+[[nodiscard]] bool eventually(Condition&& condition) {
+    const auto deadline = std::chrono::steady_clock::now() + patience;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            return false;
+        }
+        QCoreApplication::processEvents();
+        QThread::msleep(1);
+    }
+    return true;
+}
+
+} // namespace skylet::test
