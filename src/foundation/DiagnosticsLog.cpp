@@ -3,6 +3,8 @@
 #include "foundation/PreferenceKeys.h"
 #include "foundation/Text.h"
 
+#include <QDateTime>
+
 #include <fcntl.h>
 #include <unistd.h>
 #include <utility>
@@ -19,25 +21,27 @@ bool DiagnosticsLog::isEnabled() const {
     return defaults_.readBool(PreferenceKeys::debugLogging).valueOr(false);
 }
 
-void DiagnosticsLog::append(const QDateTime& time, const std::string& message) {
+void DiagnosticsLog::append(std::chrono::system_clock::time_point time, std::string message) {
     {
         const std::lock_guard lock(creation_);
         if (wpLogQueue == nullptr) {
-            wpLogFmt = QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz");
             wpLogQueue = queues_.makeSerialQueue("com.corvane.skylet.floating.log");
         }
     }
-    wpLogQueue->async([this, line = formatLine(time, message)] { write(line); });
+    wpLogQueue->async([this, time, message = std::move(message)] { write(time, message); });
 }
 
-std::string DiagnosticsLog::formatLine(const QDateTime& time, const std::string& message) {
-    return time.toString(wpLogFmt).toStdString() + "  " + message + "\n";
-}
-
-void DiagnosticsLog::write(const std::string& line) {
-    if (!isWellFormedUtf8(line)) {
+// Local time is worked out here, because callers should not pay for it.
+void DiagnosticsLog::write(std::chrono::system_clock::time_point time, const std::string& message) {
+    if (!isWellFormedUtf8(message)) {
         return;
     }
+    if (wpLogFmt.isEmpty()) {
+        wpLogFmt = QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz");
+    }
+    const auto sinceEpoch = std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch());
+    const QDateTime local = QDateTime::fromMSecsSinceEpoch(sinceEpoch.count());
+    const std::string line = local.toString(wpLogFmt).toStdString() + "  " + message + "\n";
     if (!wpLogPath) {
         wpLogPath = path_();
     }

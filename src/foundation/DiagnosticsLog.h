@@ -10,9 +10,9 @@
 #include "platform/Defaults.h"
 #include "platform/Queues.h"
 
-#include <QDateTime>
 #include <QString>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -32,18 +32,18 @@ class DiagnosticsLog {
 
     [[nodiscard]] bool isEnabled() const;
     // Logs regardless of the preference; `wplog` is the way in for messages.
-    void append(const QDateTime& time, const std::string& message);
+    void append(std::chrono::system_clock::time_point time, std::string message);
 
   private:
-    [[nodiscard]] std::string formatLine(const QDateTime& time, const std::string& message);
-    void write(const std::string& line);
+    void write(std::chrono::system_clock::time_point time, const std::string& message);
 
     const platform::Defaults& defaults_;
     platform::SerialQueueFactory& queues_;
     PathProvider path_;
-    std::mutex creation_;                 // the format and the queue are made by whichever thread logs first
-    std::optional<std::string> wpLogPath; // belongs to wpLogQueue
+    // Both belong to wpLogQueue, which makes them when it writes the first line.
+    std::optional<std::string> wpLogPath;
     QString wpLogFmt;
+    std::mutex creation_; // the queue is made by whichever thread logs first
     // Last, so that its destruction finds everything that pending lines use.
     std::unique_ptr<platform::SerialQueue> wpLogQueue;
 };
@@ -55,7 +55,7 @@ void wplog(DiagnosticsLog& log, Message&& message) {
     if (!log.isEnabled()) {
         return;
     }
-    const QDateTime time = QDateTime::currentDateTime();
+    const auto time = std::chrono::system_clock::now();
     log.append(time, message());
 }
 

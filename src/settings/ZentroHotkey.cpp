@@ -99,7 +99,7 @@ std::optional<std::vector<ZentroHotkey>> decodeHotkeys(std::string_view json) {
         return std::nullopt;
     }
     std::vector<ZentroHotkey> hotkeys;
-    for (const QJsonValue& value : document.array()) {
+    for (const auto& value : document.array()) {
         auto hotkey = decodeHotkey(value);
         if (!hotkey) {
             return std::nullopt;
