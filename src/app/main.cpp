@@ -133,6 +133,8 @@ int run(QApplication& application, qt::QtMessages& messages) {
     delegate.applicationDidFinishLaunching();
     const int status = application.exec();
     delegate.applicationWillTerminate();
+    // Streams that are still stopping refer to the adapters below.
+    mainQueue.discard();
     connection.flush();
     isServerNeeded = false;
     messages.setSink({});

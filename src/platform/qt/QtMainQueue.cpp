@@ -42,7 +42,7 @@ class RepeatingTimer : public Timer {
 
 } // namespace
 
-QtMainQueue::QtMainQueue() {
+QtMainQueue::QtMainQueue() : timers_(std::make_unique<QObject>()) {
     if (pipe(wakeUp_) == 0) {
         for (const int descriptor : wakeUp_) {
             fcntl(descriptor, F_SETFD, FD_CLOEXEC);
@@ -57,6 +57,13 @@ QtMainQueue::~QtMainQueue() {
     notifier_.reset();
     close(wakeUp_[0]);
     close(wakeUp_[1]);
+}
+
+void QtMainQueue::discard() {
+    timers_ = std::make_unique<QObject>();
+    // What is dropped may queue more when it goes.
+    while (const Work dropped = takeNext()) {
+    }
 }
 
 double QtMainQueue::now() const {
@@ -108,11 +115,11 @@ void QtMainQueue::after(double seconds, Work work) {
         async(std::move(work));
         return;
     }
-    QTimer::singleShot(toMilliseconds(seconds), Qt::PreciseTimer, &timers_, std::move(work));
+    QTimer::singleShot(toMilliseconds(seconds), Qt::PreciseTimer, timers_.get(), std::move(work));
 }
 
 TimerRef QtMainQueue::every(double seconds, Work work) {
-    return std::make_unique<RepeatingTimer>(timers_, seconds, std::move(work));
+    return std::make_unique<RepeatingTimer>(*timers_, seconds, std::move(work));
 }
 
 } // namespace skylet::platform::qt

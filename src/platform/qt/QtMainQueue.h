@@ -29,13 +29,17 @@ class QtMainQueue : public MainQueue {
     void after(double seconds, Work work) override;
     [[nodiscard]] TimerRef every(double seconds, Work work) override;
 
+    // Drops everything that is queued or waits for its time, with what it holds. For the end of the program,
+    // while whatever the work refers to still exists.
+    void discard();
+
   private:
     [[nodiscard]] Work takeNext();
     void runQueued();
 
     int wakeUp_[2] = {-1, -1}; // pipe: read end, write end
     std::unique_ptr<QSocketNotifier> notifier_;
-    QObject timers_; // parent of the repeating timers, context of the single ones
+    std::unique_ptr<QObject> timers_; // parent of the repeating timers, context of the single ones
     std::mutex mutex_;
     std::deque<Work> queue_; // guarded by mutex_; the pipe holds one byte exactly while it is not empty
 };
