@@ -2,7 +2,7 @@
 #pragma once
 
 #include <QCoreApplication>
-#include <QThread>
+#include <QTimer>
 
 #include <chrono>
 
@@ -13,13 +13,15 @@ constexpr std::chrono::seconds patience(20);
 
 template <class Condition>
 [[nodiscard]] bool eventually(Condition&& condition) {
+    // The loop sleeps between events, as in the program.
+    QTimer look;
+    look.start(std::chrono::milliseconds(1));
     const auto deadline = std::chrono::steady_clock::now() + patience;
     while (!condition()) {
         if (std::chrono::steady_clock::now() > deadline) {
             return false;
         }
-        QCoreApplication::processEvents();
-        QThread::msleep(1);
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
     return true;
 }

@@ -1,0 +1,328 @@
+#include "platform/Puppet.h"
+#include "platform/ServerTest.h"
+#include "platform/qt/QtMainQueue.h"
+#include "platform/qt/SerialQueues.h"
+#include "platform/x11/ClientPid.h"
+#include "platform/x11/X11Accessibility.h"
+#include "platform/x11/X11Screens.h"
+#include "platform/x11/X11Workspace.h"
+
+#include <unistd.h>
+
+namespace skylet::test {
+
+namespace {
+
+using platform::AXElementRef;
+using platform::ProcessID;
+using platform::RunningApplication;
+using platform::x11::clientPid;
+using platform::x11::readActiveWindow;
+using platform::x11::readClientWindows;
+
+namespace AXError = platform::AXError;
+
+class DesktopQueriesTest : public ServerTest {
+  protected:
+    // What a window manager would tell.
+    void manage(const std::vector<xcb_window_t>& stacking, const std::vector<std::uint32_t>& active) {
+        if (check_ == XCB_WINDOW_NONE) {
+            check_ = other_.pretendToManage();
+        }
+        other_.setItems(other_.root(), "_NET_CLIENT_LIST", XCB_ATOM_WINDOW, stacking);
+        other_.setItems(other_.root(), "_NET_CLIENT_LIST_STACKING", XCB_ATOM_WINDOW, stacking);
+        other_.setItems(other_.root(), "_NET_ACTIVE_WINDOW", XCB_ATOM_WINDOW, active);
+    }
+    [[nodiscard]] xcb_window_t active() { return readActiveWindow(connection()).window; }
+    [[nodiscard]] xcb_window_t mapped(xcb_rectangle_t place) {
+        const xcb_window_t window = other_.createWindow(place);
+        other_.map(window);
+        return window;
+    }
+
+    xcb_window_t check_ = XCB_WINDOW_NONE;
+};
+
+TEST_F(DesktopQueriesTest, KnowsTheProcessOfEachWindow) {
+    const Puppet one({});
+    const Puppet two({});
+    const xcb_window_t own = other_.createWindow({0, 0, 10, 10});
+    const xcb_window_t sub = other_.createWindow({0, 0, 5, 5}, own);
+    other_.setItems(own, "_NET_WM_PID", XCB_ATOM_CARDINAL, {1});
+    const std::vector<xcb_window_t> windows{one.window(), own, two.window(), sub, one.window()};
+    const auto pids = platform::x11::clientPids(connection(), windows);
+    EXPECT_EQ(pids.at(one.window()), one.pid());
+    EXPECT_EQ(pids.at(two.window()), two.pid());
+    EXPECT_EQ(pids.at(own), getpid()) << "the server knows better than the claim";
+    EXPECT_EQ(pids.at(sub), getpid());
+    EXPECT_EQ(pids.size(), 4U);
+    EXPECT_TRUE(platform::x11::clientPids(connection(), {}).empty());
+    EXPECT_EQ(clientPid(connection(), 0x1FE00001), std::nullopt) << "no such client";
+}
+
+TEST_F(DesktopQueriesTest, TakesTheClaimWhereTheServerDoesNotKnow) {
+    const PrivateServer server({"-extension", "X-Resource"});
+    const auto opened = platform::x11::Connection::open({});
+    ASSERT_TRUE(opened.connection);
+    ASSERT_FALSE(opened.connection->extensions().resource);
+    TestClient client;
+    const xcb_window_t window = client.createWindow({0, 0, 10, 10});
+    EXPECT_EQ(clientPid(*opened.connection, window), std::nullopt);
+    struct {
+        std::vector<std::uint32_t> claim;
+        std::optional<ProcessID> pid;
+    } const cases[] = {{{4711}, 4711}, {{0}, std::nullopt}, {{0xFFFFFFFF}, std::nullopt}, {{}, std::nullopt}};
+    for (const auto& one : cases) {
+        client.setItems(window, "_NET_WM_PID", XCB_ATOM_CARDINAL, one.claim);
+        EXPECT_EQ(clientPid(*opened.connection, window), one.pid);
+    }
+}
+
+TEST_F(DesktopQueriesTest, WithoutAManagerTheFocusTells) {
+    EXPECT_EQ(active(), xcb_window_t{XCB_WINDOW_NONE});
+    const xcb_window_t low = mapped({0, 0, 100, 100});
+    const xcb_window_t high = mapped({50, 50, 100, 100});
+    const xcb_window_t menu = other_.createWindow({0, 0, 800, 600}, XCB_WINDOW_NONE, true);
+    other_.map(menu);
+    EXPECT_EQ(active(), high) << "the top-most that is no menu";
+    EXPECT_EQ(readClientWindows(connection()).windows, (std::vector<xcb_window_t>{high, low}));
+
+    other_.unmap(menu);
+    xcb_warp_pointer(other_.raw(), XCB_WINDOW_NONE, other_.root(), 0, 0, 0, 0, 10, 10);
+    other_.sync();
+    EXPECT_EQ(active(), low) << "under the pointer, which the focus follows";
+
+    const xcb_window_t field = other_.createWindow({0, 0, 10, 10}, high);
+    const xcb_window_t inner = other_.createWindow({0, 0, 5, 5}, field);
+    other_.map(field);
+    other_.map(inner);
+    other_.focus(inner);
+    EXPECT_EQ(active(), high) << "a window inside it has the focus";
+    other_.unmap(high);
+    EXPECT_EQ(active(), low);
+}
+
+TEST_F(DesktopQueriesTest, WithAManagerItsWordIsChecked) {
+    const xcb_window_t one = mapped({0, 0, 100, 100});
+    const xcb_window_t two = mapped({50, 50, 100, 100});
+    manage({one, two}, {one});
+    EXPECT_EQ(active(), one);
+    EXPECT_EQ(readClientWindows(connection()).windows, (std::vector<xcb_window_t>{two, one}));
+    manage({one, two}, {two, 0});
+    EXPECT_EQ(active(), two) << "two items";
+    manage({one}, {two});
+    EXPECT_EQ(active(), xcb_window_t{XCB_WINDOW_NONE}) << "not in the list";
+    manage({one}, {0});
+    EXPECT_EQ(active(), xcb_window_t{XCB_WINDOW_NONE});
+    manage({one}, {});
+    EXPECT_EQ(active(), xcb_window_t{XCB_WINDOW_NONE});
+    manage({one}, {one});
+    other_.setText(other_.root(), other_.atom("_NET_ACTIVE_WINDOW"), XCB_ATOM_WINDOW, "x");
+    EXPECT_EQ(active(), xcb_window_t{XCB_WINDOW_NONE});
+
+    manage({one}, {one});
+    other_.destroy(check_);
+    EXPECT_EQ(active(), two) << "the manager is dead; its words stay behind";
+}
+
+TEST_F(DesktopQueriesTest, ScreensLeaveRoomForDocks) {
+    platform::x11::ScreenLayout layout(connection());
+    platform::x11::X11Screens screens(connection(), layout);
+    using platform::Rect;
+    EXPECT_EQ(screens.screens().at(0).visibleFrame, (Rect{0, 0, 800, 600}));
+    struct {
+        std::vector<std::uint32_t> areas;
+        std::uint32_t desktop;
+        Rect visible;
+    } const cases[] = {
+        {{0, 24, 800, 576}, 0, {0, 0, 800, 576}},
+        {{0, 24, 800, 576}, 3, {0, 0, 800, 576}},
+        {{0, 0, 800, 600, 0, 0, 800, 550}, 1, {0, 50, 800, 550}},
+        {{900, 900, 10, 10}, 0, {0, 0, 800, 600}},
+        {{0, 24, 800}, 0, {0, 0, 800, 600}},
+    };
+    for (const auto& one : cases) {
+        other_.setItems(other_.root(), "_NET_WORKAREA", XCB_ATOM_CARDINAL, one.areas);
+        other_.setItems(other_.root(), "_NET_CURRENT_DESKTOP", XCB_ATOM_CARDINAL, {one.desktop});
+        ASSERT_EQ(screens.screens().size(), 1U);
+        EXPECT_EQ(screens.screens()[0].visibleFrame, one.visible) << one.areas[1];
+        EXPECT_EQ(screens.mainScreen()->frame, (Rect{0, 0, 800, 600}));
+    }
+}
+
+class WorkspaceTest : public DesktopQueriesTest {
+  protected:
+    platform::qt::QtMainQueue mainQueue_;
+    platform::qt::ThreadSerialQueueFactory queues_;
+    platform::x11::RaisedWindows raised_;
+    platform::x11::X11Workspace workspace_{connection(), mainQueue_, queues_, raised_};
+};
+
+TEST_F(WorkspaceTest, TellsOfEveryOtherApplicationThatComesToTheFront) {
+    const Puppet one({.windowClass = "One"});
+    const Puppet two({.windowClass = "Two"});
+    std::vector<ProcessID> told;
+    const auto subscription =
+        workspace_.observeDidActivateApplication([&](const std::optional<RunningApplication>& application) {
+            ASSERT_TRUE(application);
+            told.push_back(application->processIdentifier);
+        });
+    other_.focus(one.window());
+    EXPECT_TRUE(eventually([&] { return told == std::vector<ProcessID>{one.pid()}; }));
+    other_.focus(two.window());
+    EXPECT_TRUE(eventually([&] { return told.size() == 2 && told.back() == two.pid(); }));
+    ASSERT_TRUE(workspace_.frontmostApplication());
+    EXPECT_EQ(workspace_.frontmostApplication()->processIdentifier, two.pid());
+    EXPECT_EQ(workspace_.frontmostApplication()->localizedName, "Two");
+    EXPECT_EQ(workspace_.runningApplication(one.pid())->localizedName, "One");
+
+    // A manager starts; the same application stays in front.
+    manage({one.window(), two.window()}, {two.window()});
+    manage({one.window(), two.window()}, {0});
+    manage({one.window(), two.window()}, {two.window()});
+    manage({one.window(), two.window()}, {one.window()});
+    EXPECT_TRUE(eventually([&] { return told.size() == 3; }));
+    EXPECT_EQ(told.back(), one.pid());
+
+    // It dies without a word, and the focus tells again.
+    other_.destroy(check_);
+    other_.focus(one.window());
+    other_.focus(two.window());
+    EXPECT_TRUE(eventually([&] { return told.size() == 4; }));
+    EXPECT_EQ(told.back(), two.pid());
+}
+
+TEST_F(WorkspaceTest, TellsOnceWhenAnApplicationEnds) {
+    Puppet puppet({.windowClass = "Ends"});
+    std::vector<RunningApplication> told;
+    const auto subscription =
+        workspace_.observeDidTerminateApplication([&](const std::optional<RunningApplication>& application) {
+            ASSERT_TRUE(application);
+            told.push_back(*application);
+        });
+    const ProcessID pid = puppet.pid();
+    ASSERT_TRUE(workspace_.runningApplication(pid));
+    ASSERT_TRUE(workspace_.runningApplication(pid));
+    EXPECT_TRUE(told.empty());
+    puppet.end();
+    EXPECT_TRUE(eventually([&] { return !told.empty(); }));
+    ASSERT_EQ(told.size(), 1U);
+    EXPECT_EQ(told[0].processIdentifier, pid);
+    EXPECT_FALSE(workspace_.runningApplication(pid));
+    EXPECT_FALSE(workspace_.activate(pid));
+}
+
+TEST_F(WorkspaceTest, ActivatesTheWindowThatWasRaised) {
+    const Puppet puppet({});
+    const xcb_window_t first = mapped({0, 0, 100, 100});
+    const xcb_window_t second = mapped({0, 0, 100, 100});
+    raised_.record(getpid(), first);
+    EXPECT_TRUE(workspace_.activate(getpid()));
+    dispatch();
+    EXPECT_EQ(active(), first);
+    EXPECT_EQ(readClientWindows(connection()).windows.front(), first);
+    EXPECT_TRUE(workspace_.activate(puppet.pid()));
+    dispatch();
+    EXPECT_EQ(active(), puppet.window());
+    // The raise was for once; now the last active window counts.
+    other_.focus(second);
+    EXPECT_EQ(workspace_.frontmostApplication()->processIdentifier, getpid());
+    other_.focus(puppet.window());
+    EXPECT_TRUE(workspace_.activate(getpid()));
+    dispatch();
+    EXPECT_EQ(active(), second);
+}
+
+TEST_F(WorkspaceTest, AsksTheManagerAsTheUserWould) {
+    const xcb_window_t window = mapped({0, 0, 100, 100});
+    manage({window}, {0});
+    other_.setItems(other_.root(), "_NET_CURRENT_DESKTOP", XCB_ATOM_CARDINAL, {0});
+    other_.setItems(window, "_NET_WM_DESKTOP", XCB_ATOM_CARDINAL, {2});
+    const std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT;
+    xcb_change_window_attributes(other_.raw(), other_.root(), XCB_CW_EVENT_MASK, &mask);
+    other_.sync();
+    EXPECT_TRUE(workspace_.activate(getpid()));
+    dispatch();
+    std::vector<xcb_client_message_event_t> messages;
+    while (const auto event = other_.pollEvent()) {
+        if ((event->response_type & 0x7F) == XCB_CLIENT_MESSAGE) {
+            messages.push_back(reinterpret_cast<const xcb_client_message_event_t&>(*event)); // NOLINT
+        }
+    }
+    ASSERT_EQ(messages.size(), 2U);
+    EXPECT_EQ(messages[0].type, other_.atom("_NET_CURRENT_DESKTOP"));
+    EXPECT_EQ(messages[0].data.data32[0], 2U);
+    EXPECT_EQ(messages[1].type, other_.atom("_NET_ACTIVE_WINDOW"));
+    EXPECT_EQ(messages[1].window, window);
+    EXPECT_EQ(messages[1].data.data32[0], 2U) << "source: the user, not a program";
+    EXPECT_NE(messages[1].data.data32[1], 0U) << "a real time";
+}
+
+TEST_F(WorkspaceTest, WindowsAreAccessibilityElements) {
+    platform::qt::AccessibilityTrust trust{QDBusConnection(QStringLiteral("none"))};
+    platform::x11::X11Accessibility accessibility(connection(), mainQueue_, trust, raised_);
+    EXPECT_FALSE(accessibility.isProcessTrustedWithPrompt());
+    const Puppet puppet({.x = 40, .y = 30, .width = 200, .height = 150});
+    const xcb_window_t back = mapped({0, 0, 100, 100});
+    const xcb_window_t front = mapped({10, 20, 100, 100});
+    other_.setText(front, connection().atoms().NET_WM_NAME, connection().atoms().UTF8_STRING,
+                   "Titolo \xC3\xA8");
+    other_.setItems(front, "_GTK_FRAME_EXTENTS", XCB_ATOM_CARDINAL, {10, 10, 5, 15});
+    const auto mine = accessibility.createApplication(getpid());
+    const auto read = [&](const AXElementRef& element, const char* attribute) {
+        return accessibility.copyAttributeValue(element, attribute);
+    };
+
+    const auto listed = read(mine, "AXWindows");
+    const auto* windows = listed.get<std::vector<AXElementRef>>();
+    ASSERT_TRUE(windows);
+    ASSERT_EQ(windows->size(), 2U);
+    const AXElementRef& top = windows->front();
+    EXPECT_EQ(*read(top, "AXTitle").get<std::string>(), "Titolo \xC3\xA8");
+    EXPECT_EQ(*read(top, "AXRole").get<std::string>(), "AXWindow");
+    EXPECT_EQ(*read(top, "AXPosition").get<platform::Point>(), (platform::Point{20, 25}));
+    EXPECT_EQ(*read(top, "AXSize").get<platform::Size>(), (platform::Size{80, 80}));
+    EXPECT_EQ(read(top, "AXChildren").error, AXError::noValue);
+    EXPECT_EQ(read(top, "AXNonsense").error, AXError::attributeUnsupported);
+
+    other_.focus(back);
+    EXPECT_EQ(read(mine, "AXFocusedWindow").error, AXError::success);
+    const auto theirs = accessibility.createApplication(puppet.pid());
+    EXPECT_EQ(read(theirs, "AXFocusedWindow").error, AXError::noValue) << "another application has it";
+    EXPECT_EQ(read(accessibility.createApplication(0x3FFFFFFF), "AXWindows").error,
+              AXError::invalidUIElement);
+
+    EXPECT_EQ(accessibility.performAction(windows->back(), "AXRaise"), AXError::success);
+    EXPECT_EQ(readClientWindows(connection()).windows.front(), back);
+    EXPECT_EQ(raised_.take(getpid()), back);
+    EXPECT_EQ(accessibility.performAction(top, "AXPress"), AXError::actionUnsupported);
+    other_.destroy(front);
+    EXPECT_EQ(read(top, "AXTitle").error, AXError::invalidUIElement);
+    EXPECT_EQ(read(top, "AXPosition").error, AXError::invalidUIElement);
+    EXPECT_EQ(accessibility.performAction(top, "AXRaise"), AXError::invalidUIElement);
+}
+
+// A reply that another thread waits for brings events with it; they must reach their handlers all the same.
+TEST_F(WorkspaceTest, ReadsOnOtherThreadsHoldNoEventsBack) {
+    platform::qt::AccessibilityTrust trust{QDBusConnection(QStringLiteral("none"))};
+    platform::x11::X11Accessibility accessibility(connection(), mainQueue_, trust, raised_);
+    const xcb_window_t window = mapped({0, 0, 100, 100});
+    int changes = 0;
+    const auto subscription = connection().subscribe(window, XCB_EVENT_MASK_PROPERTY_CHANGE,
+                                                     [&](const xcb_generic_event_t&) { ++changes; });
+    dispatch();
+    platform::qt::ThreadSerialQueue queue("test");
+    constexpr int rounds = 50;
+    for (int i = 0; i < rounds; ++i) {
+        queue.async([&] {
+            other_.setItems(window, "P", XCB_ATOM_CARDINAL, {1});
+            static_cast<void>(
+                accessibility.copyAttributeValue(accessibility.createApplication(getpid()), "AXWindows"));
+        });
+    }
+    EXPECT_TRUE(eventually([&] { return changes == rounds; }));
+}
+
+} // namespace
+
+} // namespace skylet::test

@@ -1,0 +1,209 @@
+#include "platform/InputEvent.h"
+#include "platform/ServerTest.h"
+#include "platform/x11/X11EventTap.h"
+
+#include <linux/input-event-codes.h>
+
+namespace skylet::test {
+
+namespace {
+
+namespace Modifier = platform::ModifierFlags;
+using platform::KeyEvent;
+using platform::TapEventType;
+
+constexpr std::uint16_t keyP = 35;
+constexpr std::uint16_t keyO = 31;
+
+constexpr xcb_keycode_t x(int eventCode) {
+    return static_cast<xcb_keycode_t>(eventCode + 8);
+}
+
+class EventTapTest : public ServerTest {
+  protected:
+    EventTapTest() { tap_.setWantedKey(keyP, Modifier::control | Modifier::command); }
+
+    [[nodiscard]] bool create() {
+        return tap_.create([this](TapEventType type, const KeyEvent& event) {
+            EXPECT_EQ(type, TapEventType::keyDown);
+            events_.push_back(event);
+            return true;
+        });
+    }
+    // How often the tap saw the strike.
+    [[nodiscard]] std::size_t strike(const std::vector<xcb_keycode_t>& keys) {
+        events_.clear();
+        other_.strike(keys);
+        dispatch();
+        return events_.size();
+    }
+
+    platform::x11::X11EventTap tap_{connection()};
+    std::vector<KeyEvent> events_;
+    const std::vector<xcb_keycode_t> shortcut_{x(KEY_LEFTCTRL), x(KEY_LEFTMETA), x(KEY_P)};
+};
+
+TEST_F(EventTapTest, HearsTheKeyUnderEveryLock) {
+    ASSERT_TRUE(create());
+    EXPECT_EQ(strike(shortcut_), 0U) << "before it is enabled";
+    tap_.setEnabled(true);
+    const xcb_keycode_t locks[] = {x(KEY_CAPSLOCK), x(KEY_NUMLOCK)};
+    for (int combination = 0; combination < 4; ++combination) {
+        for (int lock = 0; lock < 2; ++lock) {
+            if ((combination >> lock & 1) != 0) {
+                other_.strike({locks[lock]});
+            }
+        }
+        EXPECT_EQ(strike(shortcut_), 1U) << combination;
+        ASSERT_EQ(events_.size(), 1U);
+        EXPECT_EQ(events_[0].keyCode, keyP);
+        EXPECT_EQ(events_[0].flags & Modifier::shortcutMask, Modifier::control | Modifier::command);
+        for (int lock = 0; lock < 2; ++lock) {
+            if ((combination >> lock & 1) != 0) {
+                other_.strike({locks[lock]});
+            }
+        }
+    }
+    EXPECT_EQ(strike({x(KEY_RIGHTCTRL), x(KEY_RIGHTMETA), x(KEY_P)}), 1U);
+}
+
+TEST_F(EventTapTest, HearsNothingElse) {
+    ASSERT_TRUE(create());
+    tap_.setEnabled(true);
+    EXPECT_EQ(strike({x(KEY_P)}), 0U);
+    EXPECT_EQ(strike({x(KEY_LEFTCTRL), x(KEY_P)}), 0U);
+    EXPECT_EQ(strike({x(KEY_LEFTCTRL), x(KEY_LEFTMETA), x(KEY_LEFTALT), x(KEY_P)}), 0U);
+    EXPECT_EQ(strike({x(KEY_LEFTCTRL), x(KEY_LEFTMETA), x(KEY_O)}), 0U);
+    EXPECT_EQ(strike(shortcut_), 1U);
+    tap_.setEnabled(false);
+    EXPECT_EQ(strike(shortcut_), 0U);
+    EXPECT_FALSE(other_.grabKey(XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_4, x(KEY_P))) << "still grabbed";
+}
+
+TEST_F(EventTapTest, SwallowsTheKeyAndOnlyIt) {
+    const xcb_window_t window = other_.createWindow({0, 0, 50, 50});
+    const std::uint32_t mask = XCB_EVENT_MASK_KEY_PRESS;
+    xcb_change_window_attributes(other_.raw(), window, XCB_CW_EVENT_MASK, &mask);
+    other_.map(window);
+    other_.focus(window);
+    ASSERT_TRUE(create());
+    tap_.setEnabled(true);
+    std::vector<int> seen;
+    EXPECT_EQ(strike(shortcut_), 1U);
+    EXPECT_EQ(strike({x(KEY_O)}), 0U);
+    while (const auto event = other_.pollEvent()) {
+        if ((event->response_type & 0x7F) == XCB_KEY_PRESS) {
+            seen.push_back(reinterpret_cast<const xcb_key_press_event_t&>(*event).detail); // NOLINT
+        }
+    }
+    EXPECT_EQ(seen, (std::vector<int>{x(KEY_LEFTCTRL), x(KEY_LEFTMETA), x(KEY_O)}));
+}
+
+TEST_F(EventTapTest, SaysWhoIsInTheWay) {
+    // One lock combination in other hands is enough.
+    ASSERT_FALSE(other_.grabKey(XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_4 | XCB_MOD_MASK_LOCK, x(KEY_P)));
+    EXPECT_FALSE(create());
+    EXPECT_FALSE(tap_.exists());
+    ASSERT_TRUE(tap_.failureReason());
+    EXPECT_NE(tap_.failureReason()->find("another program holds the shortcut Control+Super+P"),
+              std::string::npos)
+        << *tap_.failureReason();
+    EXPECT_NE(tap_.failureReason()->find("shortcutKeyCode"), std::string::npos);
+    EXPECT_FALSE(other_.grabKey(XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_4, x(KEY_P))) << "a part was kept";
+
+    other_.ungrabKey(XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_4 | XCB_MOD_MASK_LOCK, x(KEY_P));
+    other_.ungrabKey(XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_4, x(KEY_P));
+    EXPECT_TRUE(create());
+    EXPECT_FALSE(tap_.failureReason());
+}
+
+TEST_F(EventTapTest, ChangesTheKeyAtOnce) {
+    ASSERT_TRUE(create());
+    tap_.setEnabled(true);
+    EXPECT_TRUE(tap_.setWantedKey(keyO, Modifier::option | Modifier::shift));
+    EXPECT_EQ(strike(shortcut_), 0U);
+    EXPECT_EQ(strike({x(KEY_LEFTSHIFT), x(KEY_LEFTALT), x(KEY_O)}), 1U);
+    EXPECT_TRUE(tap_.setWantedKey(0, 0));
+    EXPECT_EQ(strike({x(KEY_LEFTSHIFT), x(KEY_LEFTALT), x(KEY_O)}), 0U);
+
+    ASSERT_FALSE(other_.grabKey(XCB_MOD_MASK_CONTROL, x(KEY_P)));
+    EXPECT_FALSE(tap_.setWantedKey(keyP, Modifier::control));
+    EXPECT_TRUE(tap_.failureReason());
+    EXPECT_FALSE(tap_.setWantedKey(54, Modifier::control)) << "no key has this code";
+    EXPECT_TRUE(tap_.failureReason());
+    EXPECT_TRUE(tap_.setWantedKey(keyO, Modifier::control));
+    EXPECT_FALSE(tap_.failureReason());
+    EXPECT_EQ(strike({x(KEY_LEFTCTRL), x(KEY_O)}), 1U);
+}
+
+TEST_F(EventTapTest, HearsRepeatedPresses) {
+    ASSERT_TRUE(create());
+    tap_.setEnabled(true);
+    events_.clear();
+    other_.fakeKey(x(KEY_LEFTCTRL), true);
+    other_.fakeKey(x(KEY_LEFTMETA), true);
+    other_.fakeKey(x(KEY_P), true);
+    EXPECT_TRUE(eventually([&] {
+        dispatch();
+        return events_.size() >= 3;
+    }));
+    for (const int key : {KEY_P, KEY_LEFTMETA, KEY_LEFTCTRL}) {
+        other_.fakeKey(x(key), false);
+    }
+}
+
+// Exchanges the modifier bits of Super and Num Lock, and gives the letter's key another letter.
+TEST_F(EventTapTest, FollowsTheLayout) {
+    ASSERT_TRUE(create());
+    tap_.setEnabled(true);
+    using platform::x11::XcbOwned;
+    const XcbOwned<xcb_get_modifier_mapping_reply_t> map(
+        xcb_get_modifier_mapping_reply(other_.raw(), xcb_get_modifier_mapping(other_.raw()), nullptr));
+    ASSERT_TRUE(map);
+    const std::size_t per = map->keycodes_per_modifier;
+    std::vector<xcb_keycode_t> codes(xcb_get_modifier_mapping_keycodes(map.get()),
+                                     xcb_get_modifier_mapping_keycodes(map.get()) + 8 * per);
+    std::swap_ranges(codes.begin() + long(4 * per), codes.begin() + long(5 * per),
+                     codes.begin() + long(6 * per));
+    const XcbOwned<xcb_set_modifier_mapping_reply_t> set(xcb_set_modifier_mapping_reply(
+        other_.raw(), xcb_set_modifier_mapping(other_.raw(), static_cast<std::uint8_t>(per), codes.data()),
+        nullptr));
+    ASSERT_TRUE(set);
+    const xcb_keysym_t symbols[] = {'x', 'X'};
+    xcb_change_keyboard_mapping(other_.raw(), 1, x(KEY_P), 2, symbols);
+    other_.sync();
+    dispatch();
+    EXPECT_EQ(strike(shortcut_), 1U);
+    ASSERT_EQ(events_.size(), 1U);
+    EXPECT_EQ(events_[0].flags & Modifier::shortcutMask, Modifier::control | Modifier::command);
+    other_.strike({x(KEY_NUMLOCK)});
+    EXPECT_EQ(strike(shortcut_), 1U);
+    other_.strike({x(KEY_NUMLOCK)});
+}
+
+TEST_F(EventTapTest, RefusesAModifierThatNoKeyGives) {
+    for (const xcb_keycode_t key : {x(KEY_LEFTMETA), x(KEY_RIGHTMETA), xcb_keycode_t{206}}) {
+        const xcb_keysym_t none[] = {0, 0, 0, 0, 0, 0, 0};
+        xcb_change_keyboard_mapping(other_.raw(), 1, key, 7, none);
+    }
+    other_.sync();
+    dispatch();
+    EXPECT_FALSE(create()) << "it would have been Control+P for every program";
+    EXPECT_TRUE(tap_.failureReason());
+}
+
+TEST_F(EventTapTest, LetsGoAtItsEnd) {
+    {
+        platform::x11::X11EventTap tap(connection());
+        tap.setWantedKey(keyO, Modifier::control);
+        ASSERT_TRUE(tap.create([](TapEventType, const KeyEvent&) { return true; }));
+        tap.setEnabled(true);
+        EXPECT_TRUE(other_.grabKey(XCB_MOD_MASK_CONTROL, x(KEY_O)));
+    }
+    dispatch();
+    EXPECT_FALSE(other_.grabKey(XCB_MOD_MASK_CONTROL, x(KEY_O)));
+}
+
+} // namespace
+
+} // namespace skylet::test
