@@ -123,6 +123,7 @@ TEST_F(GlobalHotkeyTest, WaitsForThePermissionAndThenStopsAsking) {
     EXPECT_EQ(desktop.takeLog(), (Lines{"registerHotkey: permission granted, retrying tap…",
                                         "tryCreateEventTap: SUCCESS — hotkey active for keyCode=35"}));
     desktop.advance(10);
+    EXPECT_EQ(desktop.takeLog(), Lines{});
     EXPECT_EQ(tap.attempts, 3);
     EXPECT_TRUE(tap.enabled);
     EXPECT_TRUE(reports.empty());

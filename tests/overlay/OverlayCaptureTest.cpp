@@ -156,8 +156,9 @@ TEST(OverlayCapture, AShownOverlayRetriesOnceASecondUntilItFindsItsWindow) {
         s.desktop.advance(5);
         EXPECT_EQ(capture.queries, 7);
         // Every reassertion looks too, but makes no further retries.
+        s.desktop.advance(0.35);
         s.overlay->bringToFront();
-        s.desktop.advance(0);
+        s.desktop.advance(0.35);
         s.overlay->bringToFront();
         s.desktop.advance(3);
         EXPECT_EQ(capture.queries, 12);

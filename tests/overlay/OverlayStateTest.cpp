@@ -159,6 +159,16 @@ TEST(OverlayState, FollowsTwiceASecondHoweverOftenTheOrderIsReasserted) {
     EXPECT_EQ(s.panel().frame(), (platform::Rect{0, 600, 640, 480}));
 }
 
+TEST(OverlayState, ReleasingAShownOverlayStopsItsStreamSilently) {
+    OverlayScene s;
+    s.show();
+    s.desktop.capture.stopError = {.domain = "d", .code = 1, .message = "stuck"};
+    s.overlay.reset();
+    s.desktop.advance(1);
+    EXPECT_EQ(s.desktop.capture.stops, 1);
+    EXPECT_EQ(s.desktop.takeLog(), Lines{});
+}
+
 // The overlay goes at every stage while answers about it are still under way.
 TEST(OverlayState, PendingWorkOutlivesTheOverlayHarmlessly) {
     for (int stage = 0; stage < 6; ++stage) {

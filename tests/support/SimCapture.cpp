@@ -53,6 +53,7 @@ void SimStream::startCapture(Completion done) {
 }
 
 void SimStream::stopCapture(Completion done) {
+    ++capture_.stops;
     running = false;
     capture_.answer(std::move(done), capture_.stopError);
 }

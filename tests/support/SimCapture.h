@@ -57,6 +57,7 @@ class SimScreenCapture final : public platform::ScreenCapture {
     int queries = 0;
     int stills = 0;
     int streamsMade = 0;
+    int stops = 0;                   // asked for by this program
     std::vector<SimStream*> streams; // those that live, oldest first
     platform::SurfaceRef stillImage = std::make_shared<SimSurface>();
 
