@@ -76,12 +76,13 @@ TEST_P(PinStoryTest, MirrorFollowsAndNeverDisturbs) {
 
     // The user's hands: first the left grip, then the right one.
     const Rectangle placed = overlayPlace();
-    x().drag(placed.x + 6, placed.bottom() - 6, placed.x + 206, placed.bottom() + 44);
-    const Rectangle moved{placed.x + 200, placed.y + 50, placed.width, placed.height};
+    const Rectangle moved{330, 70, placed.width, placed.height};
+    x().drag(placed.x + 6, placed.bottom() - 6, moved.x + 6, moved.bottom() - 6);
     EXPECT_TRUE(eventually([&] { return overlayPlace() == moved; })) << overlayPlace() << " for " << moved;
     expectUndisturbed(cover);
     x().drag(moved.right() - 6, moved.bottom() - 6, moved.right() - 56, moved.bottom() + 24);
-    const Rectangle resized{moved.x, moved.y, moved.width - 50, moved.height + 30};
+    const Rectangle resized{moved.x, moved.y, std::max(moved.width - 50, minimumOverlay.width),
+                            std::max(moved.height + 30, minimumOverlay.height)};
     EXPECT_TRUE(eventually([&] { return overlayPlace() == resized; }))
         << overlayPlace() << " for " << resized;
     x().drag(resized.right() - 6, resized.bottom() - 6, resized.x + 20, resized.y + 20);

@@ -111,6 +111,23 @@ TEST_F(SurroundingsTest, ShortcutHeldByAnotherClient) {
     EXPECT_EQ(puppet().tell("events").find("key" + std::to_string(x().keycode('p'))), std::string::npos);
 }
 
+TEST_F(SurroundingsTest, ShortcutIsNeverLostToAChangeOfKeyboard) {
+    PREPARE(openDesktop());
+    PREPARE(openPuppet());
+    const Window window = puppet().open("100 90 480 320 title=target");
+    PREPARE(launch());
+    PREPARE(bringToFront(window));
+    constexpr int rounds = 40;
+    for (int round = 1; round <= rounds; ++round) {
+        x().announceKeyboard();
+        x().sync();
+        // Every phase of what the program does about it is met once.
+        std::this_thread::sleep_for(std::chrono::microseconds(30 * round));
+        skylet().pressShortcut();
+        ASSERT_TRUE(skylet().waitForLog("togglePin: ", round)) << "round " << round;
+    }
+}
+
 TEST_F(SurroundingsTest, TellsWhyItCannotStart) {
     struct Case {
         const char* description;

@@ -92,6 +92,8 @@ class XSession {
     // Keyboard and pointer.
     void press(xcb_keysym_t key, const std::vector<Modifier>& modifiers) const;
     void hold(xcb_keysym_t key, bool down) const;
+    // Every client is told that the keyboard's mapping changed, as at a change of layout or keyboard.
+    void announceKeyboard() const;
     void movePointer(int x, int y) const;
     void button(int number, bool down) const;
     void click(int x, int y, int number = 1) const;

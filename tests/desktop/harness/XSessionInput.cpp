@@ -53,6 +53,12 @@ void XSession::hold(xcb_keysym_t key, bool down) const {
     sync();
 }
 
+void XSession::announceKeyboard() const {
+    const auto last = xcb_get_setup(connection())->max_keycode;
+    const xcb_keysym_t nothing = XCB_NO_SYMBOL;
+    xcb_change_keyboard_mapping(connection(), 1, last, 1, &nothing);
+}
+
 void XSession::press(xcb_keysym_t key, const std::vector<Modifier>& modifiers) const {
     for (const Modifier modifier : modifiers) {
         fake(XCB_KEY_PRESS, keycode(modifierKey(modifier)), 0, 0);
