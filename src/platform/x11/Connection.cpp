@@ -182,46 +182,56 @@ void Connection::watchSocket() {
     notifier_ = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(raw()), QSocketNotifier::Read);
     QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] { dispatch(); });
     // Waiting for a reply moves events from the socket into xcb's queue, where the notifier does not see
-    // them.
+    // them. The socket itself is the notifier's business.
     if (auto* dispatcher = QAbstractEventDispatcher::instance()) {
-        aboutToBlock_ =
-            QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, [this] { dispatch(); });
+        aboutToBlock_ = QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock,
+                                         [this] { handleEvents(xcb_poll_for_queued_event); });
     }
 }
 
-XcbOwned<xcb_generic_event_t> Connection::nextEvent() {
+XcbOwned<xcb_generic_event_t> Connection::nextEvent(PollForEvent poll) {
     if (!pendingEvents_.empty()) {
         auto event = std::move(pendingEvents_.front());
         pendingEvents_.pop_front();
         return event;
     }
-    return XcbOwned<xcb_generic_event_t>(xcb_poll_for_event(raw()));
+    return XcbOwned<xcb_generic_event_t>(poll(raw()));
 }
 
 void Connection::dispatch() {
+    handleEvents(xcb_poll_for_event);
+}
+
+void Connection::handleEvents(PollForEvent poll) {
     if (!open_ || dispatching_) {
         return;
     }
     dispatching_ = true;
     const std::weak_ptr<Connection*> alive = self_;
-    bool any = false;
-    while (auto event = nextEvent()) {
-        any = true;
-        handle(*event);
-        if (alive.expired()) {
-            return;
-        }
-    }
-    if (any) {
-        const auto handlers = afterBatch_;
-        for (const auto& handler : handlers) {
-            if (handler->active) {
-                handler->onBatch();
+    do {
+        bool any = false;
+        while (auto event = nextEvent(poll)) {
+            any = true;
+            handle(*event);
+            if (alive.expired()) {
+                return;
             }
         }
-    }
+        if (any) {
+            const auto handlers = afterBatch_;
+            for (const auto& handler : handlers) {
+                if (handler->active) {
+                    handler->onBatch();
+                }
+            }
+        }
+        flush();
+        // Writing, too, takes events off the socket.
+        if (XcbOwned<xcb_generic_event_t> event{xcb_poll_for_queued_event(raw())}) {
+            pendingEvents_.push_back(std::move(event));
+        }
+    } while (!pendingEvents_.empty());
     dispatching_ = false;
-    flush();
     closeIfBroken();
 }
 

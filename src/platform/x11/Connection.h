@@ -141,7 +141,9 @@ class Connection {
     void deliver(const std::vector<std::shared_ptr<Handler>>& handlers, const xcb_generic_event_t& event);
     void updateMask(xcb_window_t window);
     void closeIfBroken();
-    [[nodiscard]] XcbOwned<xcb_generic_event_t> nextEvent();
+    using PollForEvent = xcb_generic_event_t* (*)(xcb_connection_t*);
+    void handleEvents(PollForEvent poll);
+    [[nodiscard]] XcbOwned<xcb_generic_event_t> nextEvent(PollForEvent poll);
 
     RawConnection raw_;
     const xcb_screen_t* screen_;
