@@ -1,5 +1,6 @@
 #include "platform/qt/QtMainQueue.h"
 
+#include <QAbstractEventDispatcher>
 #include <QPointer>
 #include <QTimer>
 
@@ -13,6 +14,9 @@
 namespace skylet::platform::qt {
 
 namespace {
+
+// How far work that queues further work is followed before the loop goes round again.
+constexpr int roundsPerTurn = 4;
 
 std::chrono::milliseconds toMilliseconds(double seconds) {
     return std::chrono::milliseconds(std::llround(seconds * 1000));
@@ -51,9 +55,18 @@ QtMainQueue::QtMainQueue() : timers_(std::make_unique<QObject>()) {
     }
     notifier_ = std::make_unique<QSocketNotifier>(wakeUp_[0], QSocketNotifier::Read);
     QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] { runQueued(); });
+    // What the loop's events queued runs right after them: with a further turn of the loop for each step, the
+    // way of a frame from its event to its drawing would cost more than the drawing.
+    if (auto* dispatcher = QAbstractEventDispatcher::instance()) {
+        awake_ = QObject::connect(dispatcher, &QAbstractEventDispatcher::awake, [this] {
+            for (int round = 0; round < roundsPerTurn && runQueued(); ++round) {
+            }
+        });
+    }
 }
 
 QtMainQueue::~QtMainQueue() {
+    QObject::disconnect(awake_);
     notifier_.reset();
     close(wakeUp_[0]);
     close(wakeUp_[1]);
@@ -95,19 +108,21 @@ Work QtMainQueue::takeNext() {
 
 // What the work itself queues waits for the next round, so that timers and events get their turn. A nested
 // event loop inside the work goes on with the rest, because the pipe stays readable.
-void QtMainQueue::runQueued() {
+bool QtMainQueue::runQueued() {
     std::size_t count = 0;
     {
         const std::lock_guard lock(mutex_);
         count = queue_.size();
     }
+    const bool any = count > 0;
     for (; count > 0; --count) {
         const Work work = takeNext();
         if (!work) {
-            return;
+            break;
         }
         work();
     }
+    return any;
 }
 
 void QtMainQueue::after(double seconds, Work work) {
@@ -115,7 +130,15 @@ void QtMainQueue::after(double seconds, Work work) {
         async(std::move(work));
         return;
     }
-    QTimer::singleShot(toMilliseconds(seconds), Qt::PreciseTimer, timers_.get(), std::move(work));
+    // QTimer::singleShot would keep the work beyond `discard`, until its time has come.
+    auto* timer = new QTimer(timers_.get());
+    timer->setTimerType(Qt::PreciseTimer);
+    timer->setSingleShot(true);
+    QObject::connect(timer, &QTimer::timeout, timer, [timer, work = std::move(work)] {
+        timer->deleteLater();
+        work();
+    });
+    timer->start(toMilliseconds(seconds));
 }
 
 TimerRef QtMainQueue::every(double seconds, Work work) {

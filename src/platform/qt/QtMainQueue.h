@@ -8,6 +8,7 @@
 
 #include "platform/Queues.h"
 
+#include <QMetaObject>
 #include <QObject>
 #include <QSocketNotifier>
 
@@ -35,10 +36,12 @@ class QtMainQueue : public MainQueue {
 
   private:
     [[nodiscard]] Work takeNext();
-    void runQueued();
+    // Runs what is queued by now; whether that was anything.
+    bool runQueued();
 
     int wakeUp_[2] = {-1, -1}; // pipe: read end, write end
     std::unique_ptr<QSocketNotifier> notifier_;
+    QMetaObject::Connection awake_;
     std::unique_ptr<QObject> timers_; // parent of the repeating timers, context of the single ones
     std::mutex mutex_;
     std::deque<Work> queue_; // guarded by mutex_; the pipe holds one byte exactly while it is not empty
