@@ -57,7 +57,8 @@ TEST_F(DesktopEntriesTest, EarlierDirectoriesHideLaterOnes) {
     entry("system/link.desktop", "Type=Link\nName=Link");
     entry("system/broken.desktop", "Type=Application");
     writeFile(directory_.path("system/empty.desktop"), "");
-    writeFile(directory_.path("system/bytes.desktop"), std::string("[Desktop Entry]\nType=\xFF\0\nName", 30));
+    writeFile(directory_.path("system/bytes.desktop"),
+              "[Desktop Entry]\nType=\xFF" + std::string(1, '\0') + "\nName");
     entry("home/org.App.desktop", "Type = Application\r\nName = Mine\\sown \r\nStartupWMClass=Wm");
     entry("home/hidden.desktop", "Type=Application\nName=Deleted\nHidden=true\nStartupWMClass=Gone");
     entry("home/kde/sub.desktop", "Type=Application\nName=Sub");

@@ -7,6 +7,7 @@
 #include <atomic>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <memory>
 #include <numeric>
 #include <string>
 #include <thread>
@@ -127,6 +128,20 @@ TEST(QtMainQueue, TimersMayOutliveIt) {
     }
     QCoreApplication::processEvents();
     timer.reset();
+}
+
+TEST(QtMainQueue, LetsGoOfWhatItDiscards) {
+    QtMainQueue queue;
+    const auto held = std::make_shared<int>();
+    TimerRef timer = queue.every(1000, [held] {});
+    queue.after(1000, [held] {});
+    queue.async([held] { ADD_FAILURE(); });
+    EXPECT_EQ(held.use_count(), 4);
+    queue.discard();
+    EXPECT_EQ(held.use_count(), 1);
+    bool ran = false;
+    queue.after(0.001, [&] { ran = true; });
+    EXPECT_TRUE(eventually([&] { return ran; })) << "it goes on";
 }
 
 TEST(ThreadSerialQueue, RunsAllInOrderBeforeItEnds) {

@@ -1,0 +1,141 @@
+// The window list: layers, order, what counts as on screen, managers that come and go, and its cost.
+#include "platform/ServerTest.h"
+#include "platform/x11/X11WindowServer.h"
+
+#include <algorithm>
+
+namespace skylet::test {
+
+namespace {
+
+using namespace platform;
+using namespace platform::x11;
+
+constexpr std::uint32_t onScreen = WindowListOption::onScreenOnly | WindowListOption::excludeDesktopElements;
+constexpr std::uint32_t existing = WindowListOption::excludeDesktopElements;
+
+class WindowListTest : public ServerTest {
+  protected:
+    [[nodiscard]] xcb_window_t mapped(xcb_rectangle_t place, bool overrideRedirect = false) {
+        const xcb_window_t window = other_.createWindow(place, XCB_WINDOW_NONE, overrideRedirect);
+        other_.map(window);
+        return window;
+    }
+    [[nodiscard]] std::vector<std::int64_t> numbers(std::uint32_t options) {
+        std::vector<std::int64_t> result;
+        for (const WindowEntry& entry : *windowServer_.copyWindowList(options, nullWindowID)) {
+            result.push_back(*entry.number);
+        }
+        return result;
+    }
+    [[nodiscard]] std::optional<WindowEntry> entry(xcb_window_t window) {
+        const auto list = windowServer_.copyWindowList(WindowListOption::includingWindow, window);
+        return list->empty() ? std::nullopt : std::optional(list->front());
+    }
+    void manage(const std::vector<std::uint32_t>& backToFront) {
+        other_.setItems(other_.root(), "_NET_CLIENT_LIST", XCB_ATOM_WINDOW, backToFront);
+        other_.setItems(other_.root(), "_NET_CLIENT_LIST_STACKING", XCB_ATOM_WINDOW, backToFront);
+    }
+    void setStates(xcb_window_t window, const std::vector<std::string>& names) {
+        std::vector<std::uint32_t> atoms;
+        for (const std::string& name : names) {
+            atoms.push_back(other_.atom(name));
+        }
+        other_.setItems(window, "_NET_WM_STATE", XCB_ATOM_ATOM, atoms);
+    }
+
+    X11WindowServer windowServer_{connection()};
+};
+
+TEST_F(WindowListTest, WithoutAManagerTheMappedChildrenCount) {
+    const xcb_window_t back = mapped({0, 0, 100, 100});
+    const xcb_window_t front = mapped({50, 50, 100, 100});
+    const xcb_window_t menu = mapped({60, 60, 20, 20}, true);
+    (void)other_.createWindow({0, 0, 10, 10});
+    EXPECT_EQ(numbers(onScreen), (std::vector<std::int64_t>{menu, front, back}));
+    EXPECT_EQ(entry(menu)->layer > 0, true);
+    EXPECT_EQ(entry(front)->layer, 0);
+}
+
+TEST_F(WindowListTest, TheManagerSaysWhatIsThereAndInWhichOrder) {
+    const xcb_window_t a = mapped({0, 0, 100, 100});
+    const xcb_window_t b = mapped({50, 50, 100, 100});
+    const xcb_window_t c = mapped({50, 50, 100, 100});
+    other_.pretendToManage();
+    other_.setItems(other_.root(), "_NET_CURRENT_DESKTOP", XCB_ATOM_CARDINAL, {1});
+    manage({b, a, c});
+    EXPECT_EQ(numbers(onScreen), (std::vector<std::int64_t>{c, a, b}));
+
+    other_.setItems(a, "_NET_WM_DESKTOP", XCB_ATOM_CARDINAL, {0});
+    setStates(b, {"_NET_WM_STATE_HIDDEN"});
+    other_.setItems(c, "_NET_WM_DESKTOP", XCB_ATOM_CARDINAL, {0xFFFFFFFF});
+    EXPECT_EQ(numbers(onScreen), (std::vector<std::int64_t>{c}));
+    EXPECT_EQ(numbers(existing), (std::vector<std::int64_t>{c, a, b}));
+    other_.unmap(c);
+    EXPECT_EQ(numbers(onScreen), (std::vector<std::int64_t>{}));
+    EXPECT_EQ(numbers(existing), (std::vector<std::int64_t>{c, a, b}));
+}
+
+TEST_F(WindowListTest, LayersFollowTypesAndStates) {
+    const xcb_window_t window = mapped({0, 0, 100, 100});
+    other_.pretendToManage();
+    manage({window});
+    const auto layer = [&] {
+        return *entry(window)->layer;
+    };
+    EXPECT_EQ(layer(), 0);
+    setStates(window, {"_NET_WM_STATE_ABOVE"});
+    EXPECT_GT(layer(), 0);
+    setStates(window, {"_NET_WM_STATE_BELOW"});
+    EXPECT_LT(layer(), 0);
+    setStates(window, {});
+    other_.setItems(window, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM, {other_.atom("_NET_WM_WINDOW_TYPE_DOCK")});
+    EXPECT_GT(layer(), 0);
+    other_.setItems(window, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM,
+                    {other_.atom("_NET_WM_WINDOW_TYPE_DESKTOP")});
+    EXPECT_TRUE(numbers(existing).empty());
+    EXPECT_EQ(numbers(0).size(), 1U);
+}
+
+TEST_F(WindowListTest, WindowsOutliveTheirManager) {
+    const xcb_window_t window = mapped({0, 0, 100, 100});
+    const xcb_window_t minimised = mapped({0, 0, 100, 100});
+    const xcb_window_t check = other_.pretendToManage();
+    manage({window, minimised});
+    other_.setItems(window, "WM_STATE", other_.atom("WM_STATE"), {1, 0});
+    other_.setItems(minimised, "WM_STATE", other_.atom("WM_STATE"), {3, 0});
+    other_.unmap(minimised);
+    const std::vector<std::int64_t> both{window, minimised};
+    EXPECT_TRUE(std::ranges::is_permutation(numbers(existing), both));
+    // The manager dies and leaves its properties behind, then another one takes over and lists nothing yet.
+    other_.destroy(check);
+    EXPECT_TRUE(std::ranges::is_permutation(numbers(existing), both));
+    manage({});
+    other_.pretendToManage();
+    EXPECT_TRUE(std::ranges::is_permutation(numbers(existing), both));
+    // Withdrawn windows are gone, whoever manages.
+    other_.setItems(minimised, "WM_STATE", other_.atom("WM_STATE"), {0, 0});
+    EXPECT_EQ(numbers(existing), (std::vector<std::int64_t>{window}));
+    other_.destroy(window);
+    EXPECT_TRUE(numbers(existing).empty());
+    EXPECT_FALSE(entry(window));
+}
+
+TEST_F(WindowListTest, NamesAreReadWithoutTrust) {
+    const xcb_window_t window = mapped({0, 0, 100, 100});
+    const auto name = [&] {
+        return *entry(window)->name;
+    };
+    const xcb_atom_t netName = other_.atom("_NET_WM_NAME");
+    EXPECT_EQ(name(), "");
+    other_.setText(window, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, "caf\xE9");
+    EXPECT_EQ(name(), "café");
+    other_.setText(window, netName, other_.atom("UTF8_STRING"), "città");
+    EXPECT_EQ(name(), "città");
+    other_.setItems(window, "_NET_WM_NAME", XCB_ATOM_CARDINAL, {1, 2, 3});
+    EXPECT_EQ(name(), "café") << "a wrong type is no name";
+}
+
+} // namespace
+
+} // namespace skylet::test
