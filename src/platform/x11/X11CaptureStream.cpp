@@ -4,6 +4,7 @@
 
 #include <xcb/damage.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace skylet::platform::x11 {
@@ -13,6 +14,12 @@ namespace {
 // long frame interval costs it more than the frames do (measured: 17 % of a core against 1.6 % at 0.5 frames
 // per second).
 constexpr double singleChangeInterval = 1.0 / 15.0; // seconds
+// A window that repaints at the frame rate does so unevenly. Counted from the last frame, the interval would
+// hold back every frame by as much as the latest one was late. So it is counted from when the last frame was
+// due, a frame may come this much early,
+constexpr double allowedEarliness = 0.008; // seconds
+// and what is held back all the same catches up little by little, on this part of the interval.
+constexpr double dueInterval = 0.985;
 } // namespace
 
 X11CaptureStream::X11CaptureStream(Connection& connection, MainQueue& mainQueue,
@@ -148,7 +155,9 @@ void X11CaptureStream::deliverFrame() {
         return;
     }
     changePending_ = false;
-    nextFrameTime_ = mainQueue_.now() + configuration_.minimumFrameInterval.seconds();
+    const double interval = configuration_.minimumFrameInterval.seconds();
+    nextFrameTime_ = std::max(nextFrameTime_ + interval * dueInterval,
+                              mainQueue_.now() + interval - std::min(allowedEarliness, interval / 2));
     if (!damage_) {
         watchDamage();
     } else if (!damageIsSingle_) {
