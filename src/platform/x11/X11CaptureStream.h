@@ -1,5 +1,5 @@
-// One window's capture stream: Damage events in, frames out, at most one per frame interval. The interval holds
-// on average, within 2 %; a single frame may come up to 8 ms early.
+// One window's capture stream: Damage events in, frames out, at most one per frame interval. The interval
+// holds on average, within 2 %; a single frame may come up to 8 ms early.
 //
 // A frame carries no pixels: its surface stays in the X server, and the panel that shows it reads it there.
 // The last change is always delivered: a change inside the interval is delivered when the interval has
