@@ -70,7 +70,8 @@ void Demonstration::picture(const std::string& name) {
 bool Demonstration::play() {
     XSession& x = desktop_.x();
     Application terminal(desktop_, ApplicationKind::xterm, "terminal");
-    Application cover(desktop_, ApplicationKind::xterm, "another application");
+    Application cover(desktop_, ApplicationKind::xterm, "another application",
+                      {"-bg", "#2d4a6b", "-fg", "white"});
     if (!step(terminal.window() != XCB_NONE && cover.window() != XCB_NONE, "Two terminals are open.")) {
         return false;
     }

@@ -51,13 +51,16 @@ std::string nameOf(ApplicationKind kind) {
     return {};
 }
 
-Application::Application(VirtualDesktop& desktop, ApplicationKind kind, const std::string& title)
+Application::Application(VirtualDesktop& desktop, ApplicationKind kind, const std::string& title,
+                         const Command& options)
     : kind_(kind) {
     const std::string pipe = desktop.path(title + ".pipe");
     if (kind == ApplicationKind::xterm && ::mkfifo(pipe.c_str(), 0600) == 0) {
         pipe_.open(pipe, std::ios::in | std::ios::out);
     }
-    process_ = desktop.start(commandOf(kind, title, pipe), title + ".err");
+    Command command = commandOf(kind, title, pipe);
+    command.insert(command.begin() + 1, options.begin(), options.end());
+    process_ = desktop.start(command, title + ".err");
     if (kind == ApplicationKind::puppet) {
         process_.write("window 100 90 480 320 title=" + title + "\n");
     }

@@ -18,7 +18,8 @@ enum class ApplicationKind { puppet, xterm, gtk3, gtk4, qt5, qt6, tk };
 class Application {
   public:
     // Opens it and waits until its window can be seen and has been drawn on.
-    Application(VirtualDesktop& desktop, ApplicationKind kind, const std::string& title = "target");
+    Application(VirtualDesktop& desktop, ApplicationKind kind, const std::string& title = "target",
+                const Command& options = {});
 
     [[nodiscard]] Window window() const { return window_; }
     [[nodiscard]] std::string id() const { return std::to_string(window_); }
