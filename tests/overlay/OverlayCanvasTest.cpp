@@ -116,15 +116,18 @@ TEST(GripDrawing, TheMoveGripIsAnArrowInFourDirections) {
     EXPECT_EQ(background.rect, (platform::Rect{3, 3, 20, 20}));
     EXPECT_EQ(background.color, (platform::Color{0, 0, 0, 0.28}));
     const auto& lines = std::get<platform::StrokedLines>(drawing.at(1));
-    const std::vector<std::pair<Point, Point>> strokes{
-        {{5, 13}, {21, 13}},  {{13, 5}, {13, 21}},  {{5, 13}, {9, 16}}, {{5, 13}, {9, 10}},
-        {{21, 13}, {17, 16}}, {{21, 13}, {17, 10}}, {{13, 5}, {10, 9}}, {{13, 5}, {16, 9}},
-        {{13, 21}, {10, 17}}, {{13, 21}, {16, 17}}};
+    using Stroke = std::pair<Point, Point>;
+    const std::vector<Stroke> strokes{{{5, 13}, {21, 13}}, {{13, 5}, {13, 21}},  {{5, 13}, {9, 16}},
+                                      {{5, 13}, {9, 10}},  {{21, 13}, {17, 16}}, {{21, 13}, {17, 10}},
+                                      {{13, 5}, {10, 9}},  {{13, 5}, {16, 9}},   {{13, 21}, {10, 17}},
+                                      {{13, 21}, {16, 17}}};
     EXPECT_EQ(lines.segments.size(), strokes.size());
-    for (const auto& [from, to] : strokes) {
-        EXPECT_TRUE(std::ranges::any_of(
-            lines.segments, [&](const auto& segment) { return segment.from == from && segment.to == to; }))
-            << from.x << "," << from.y << " to " << to.x << "," << to.y;
+    for (const Stroke& stroke : strokes) {
+        EXPECT_TRUE(std::ranges::any_of(lines.segments,
+                                        [&](const auto& segment) {
+                                            return Stroke{segment.from, segment.to} == stroke;
+                                        }))
+            << stroke.second.x << "," << stroke.second.y;
     }
 }
 
