@@ -164,7 +164,7 @@ TEST_F(CaptureTest, CropsTheClientDrawnShadow) {
     EXPECT_TRUE(shows(targetWidth - 31, targetHeight - 71, 0x445566));
     // The shadow goes when the window is maximised, say.
     other_.deleteProperty(target_, "_GTK_FRAME_EXTENTS");
-    fill(target_, 0x998877, {0, 0, 1, 1});
+    fill(target_, 0x998877, {0, 0, 8, 8});
     EXPECT_TRUE(shows(0, 0, 0x998877));
 }
 

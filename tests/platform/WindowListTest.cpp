@@ -23,7 +23,8 @@ class WindowListTest : public ServerTest {
     }
     [[nodiscard]] std::vector<std::int64_t> numbers(std::uint32_t options) {
         std::vector<std::int64_t> result;
-        for (const WindowEntry& entry : *windowServer_.copyWindowList(options, nullWindowID)) {
+        const auto list = windowServer_.copyWindowList(options, nullWindowID);
+        for (const WindowEntry& entry : *list) {
             result.push_back(*entry.number);
         }
         return result;
