@@ -86,16 +86,23 @@ TEST_F(DesktopEntriesTest, LooksWhereTheSessionSays) {
     EXPECT_EQ(DesktopEntries::defaultLocale(), "pt_BR");
 }
 
-class ApplicationNamesTest : public ServerTest {
-  protected:
-    ApplicationNamesTest() {
+// Entries that are there before anybody reads them.
+class EntryDirectory : public TemporaryDirectory {
+  public:
+    EntryDirectory() {
         entry("by-class", "Name=By class\nStartupWMClass=Claimed");
         entry("org.gtk.App", "Name=By GTK id");
         entry("plain", "Name=By id");
     }
+
+  private:
     void entry(const std::string& id, const std::string& keys) const {
-        writeFile(directory_.path(id + ".desktop"), "[Desktop Entry]\nType=Application\n" + keys + "\n");
+        writeFile(path(id + ".desktop"), "[Desktop Entry]\nType=Application\n" + keys + "\n");
     }
+};
+
+class ApplicationNamesTest : public ServerTest {
+  protected:
     [[nodiscard]] xcb_window_t window(const std::string& windowClass, const std::string& gtkId = {}) {
         const xcb_window_t result = other_.createWindow({0, 0, 10, 10});
         if (!windowClass.empty()) {
@@ -109,7 +116,7 @@ class ApplicationNamesTest : public ServerTest {
         return result;
     }
 
-    TemporaryDirectory directory_;
+    EntryDirectory directory_;
     platform::qt::QtMainQueue mainQueue_;
     platform::qt::ThreadSerialQueueFactory queues_;
     ApplicationNames names_{connection(), mainQueue_, queues_, {{directory_.path()}, "it_IT"}};
