@@ -71,6 +71,8 @@ void measureRun(Stage& stage, Target& target, Times& times) {
     stage.activateOther();
     if (const auto map = prober.nextMapping(5)) {
         times.show.push_back(map->second - start - activationDelay * 1e3);
+    } else {
+        std::cerr << "no overlay was shown:\n" << program.logText();
     }
     rest(1);
     times.oneOverlay.push_back(proportionalMemory(program.process().pid()));
@@ -89,11 +91,14 @@ void benchProgram(Stage& stage, const Options& options) {
         std::cout << "\nThe program itself is not built; left out.\n";
         return;
     }
+    // It would share its libraries' memory with the program, and half of that would count for each.
+    stage.host().stop();
     const auto target = stage.openTarget(1);
     Times times;
     for (int round = 0; round < (options.quick ? 1 : 3); ++round) {
         measureRun(stage, *target, times);
     }
+    stage.restartHost();
     std::cout << "\nThe program itself, medians\n";
     const auto line = [](const std::string& name, const std::vector<double>& values) {
         printRow({name, formatted(values.empty() ? -1 : median(values), 1)});

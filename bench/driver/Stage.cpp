@@ -127,8 +127,8 @@ Mirrors::Mirrors(Stage& stage, MirrorKind kind, double scale, Target& target)
         break;
     case MirrorKind::gstreamer:
         process_ = stage.desktop().start({"gst-launch-1.0", "-q", "ximagesrc", "xid=" + std::to_string(first),
-                                          "show-pointer=false", "!", "video/x-raw,framerate=60/1", "!",
-                                          "ximagesink"},
+                                          "show-pointer=false", "use-damage=false", "!",
+                                          "video/x-raw,framerate=60/1", "!", "ximagesink"},
                                          "gst.err");
         waitForPlayer();
         break;
