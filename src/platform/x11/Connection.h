@@ -70,6 +70,8 @@ class Connection {
     [[nodiscard]] const Atoms& atoms() const { return atoms_; }
     [[nodiscard]] const Extensions& extensions() const { return extensions_; }
     [[nodiscard]] bool isOpen() const { return open_; }
+    // Waits so far, for those who must not add to them.
+    [[nodiscard]] std::uint64_t roundTrips() const { return roundTrips_.count; }
     [[nodiscard]] std::uint32_t generateId() const { return xcb_generate_id(raw()); }
     [[nodiscard]] bool isOwnResource(std::uint32_t id) const {
         const auto* setup = xcb_get_setup(raw());
@@ -79,7 +81,7 @@ class Connection {
     // Sends a request that has a reply: ask<xcb_get_geometry, xcb_get_geometry_reply>(window).
     template <auto Request, auto Fetch, class... Args>
     [[nodiscard]] Pending<Fetch> ask(Args... args) {
-        return Pending<Fetch>(raw(), Request(raw(), args...));
+        return Pending<Fetch>(raw(), Request(raw(), args...), &roundTrips_);
     }
 
     // Sends a request without a reply on resources of our own: an error is reported.
@@ -152,6 +154,7 @@ class Connection {
     Atoms atoms_;
     Extensions extensions_;
     bool open_ = true;
+    RoundTrips roundTrips_;
     xcb_window_t helper_ = XCB_WINDOW_NONE; // never mapped; carries the time property
     std::deque<std::uint32_t> tolerated_;   // sequences of tolerant requests not yet known to have succeeded
     std::deque<XcbOwned<xcb_generic_event_t>> pendingEvents_;
