@@ -51,7 +51,8 @@ WindowManager describe(WindowManagerKind kind, const std::string& configFolder) 
         return {{"kwin_x11"}, {{"KWIN_COMPOSE", "O2"}}, false};
     case WindowManagerKind::i3:
         // Tiled windows cannot cover each other, which is what the tests are about.
-        writeFile(configFolder + "/i3/config", "font pango:monospace 8\nfor_window [all] floating enable\n"
+        writeFile(configFolder + "/i3/config", "# i3 config file (v4)\nfont pango:monospace 8\n"
+                                               "for_window [class=\".*\"] floating enable\n"
                                                "focus_follows_mouse no\n");
         return {{"i3", "-c", configFolder + "/i3/config"}, {}, false};
     }
