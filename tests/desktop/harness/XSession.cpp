@@ -20,8 +20,8 @@ std::vector<std::uint32_t> words(const xcb_get_property_reply_t* reply) {
     std::vector<std::uint32_t> result;
     if (reply && reply->format == 32) {
         const auto count = static_cast<std::size_t>(xcb_get_property_value_length(reply)) / 4;
-        result.resize(count);
-        std::memcpy(result.data(), xcb_get_property_value(reply), count * 4);
+        const auto* first = static_cast<const std::uint32_t*>(xcb_get_property_value(reply));
+        result.assign(first, first + count);
     }
     return result;
 }
