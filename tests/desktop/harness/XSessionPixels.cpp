@@ -20,7 +20,7 @@ Picture read(xcb_connection_t* connection, xcb_drawable_t drawable, Rectangle pa
     Picture result{part.width, part.height, {}};
     result.pixels.resize(static_cast<std::size_t>(part.width) * static_cast<std::size_t>(part.height));
     const std::size_t bytes = result.pixels.size() * sizeof(std::uint32_t);
-    if (!image || static_cast<std::size_t>(xcb_get_image_data_length(image.get())) < bytes) {
+    if (bytes == 0 || !image || static_cast<std::size_t>(xcb_get_image_data_length(image.get())) < bytes) {
         return {};
     }
     std::memcpy(result.pixels.data(), xcb_get_image_data(image.get()), bytes);
