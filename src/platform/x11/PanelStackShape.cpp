@@ -50,8 +50,8 @@ std::vector<PixelRect> PanelStack::managedRects() {
     std::vector<PixelRect> rects;
     std::vector<Asked> asked;
     const auto& children = model_.children();
-    for (auto i = static_cast<std::size_t>(guardIndex() + 1); i < children.size(); ++i) {
-        const auto& child = children[i];
+    for (auto it = children.begin() + (guardIndex() + 1); it != children.end(); ++it) {
+        const auto& child = *it;
         if (!child.managed || !child.mapped || child.hidden || child.desktop || isOwn(child.window)) {
             continue;
         }
