@@ -22,9 +22,8 @@ constexpr int overrideRedirectLayer = 101;
 constexpr int desktopLayer = -2147483603;
 
 constexpr std::uint32_t allDesktops = 0xFFFFFFFF;
-// WM_STATE values (ICCCM 4.1.3.1).
-constexpr std::uint32_t normalState = 1;
-constexpr std::uint32_t iconicState = 3;
+// WM_STATE of a window that nobody manages (ICCCM 4.1.3.1).
+constexpr std::uint32_t withdrawnState = 0;
 
 bool contains(const std::vector<std::uint32_t>& values, std::uint32_t value) {
     return std::find(values.begin(), values.end(), value) != values.end();
@@ -140,8 +139,8 @@ std::optional<std::vector<ListedWindow>> WindowList::copy() {
     const std::vector<xcb_window_t> clients = isLiveWm(wm, root.wmCheck) ? clientsOf(root) : unmanaged;
     std::vector<xcb_window_t> kept;
     for (auto& [window, state] : stateOfListed) {
-        const auto value = firstItem(state, connection_.atoms().WM_STATE);
-        if ((value == normalState || value == iconicState) && !contains(clients, window)) {
+        const std::uint32_t value = firstItem(state, connection_.atoms().WM_STATE).value_or(withdrawnState);
+        if (value != withdrawnState && !contains(clients, window)) {
             kept.push_back(window);
         }
     }
