@@ -39,6 +39,7 @@ class WindowListTest : public ServerTest {
     }
     void setStates(xcb_window_t window, const std::vector<std::string>& names) {
         std::vector<std::uint32_t> atoms;
+        atoms.reserve(names.size());
         for (const std::string& name : names) {
             atoms.push_back(other_.atom(name));
         }
