@@ -4,6 +4,8 @@
 #include "foundation/PreferenceKeys.h"
 #include "foundation/Product.h"
 #include "foundation/Text.h"
+#include "input/EventForwarder.h"
+#include "overlay/WindowOverlay.h"
 #include "windows/WindowDetector.h"
 
 #include <string>
@@ -18,11 +20,10 @@ constexpr double foreignWindowDelay = 0.1;
 
 } // namespace
 
-AppDelegate::AppDelegate(const OverlayEnvironment& environment, OverlayInputRoutes routes,
-                         platform::EventTap& eventTap, platform::EventPoster& eventPoster,
-                         AppCallbacks callbacks)
+AppDelegate::AppDelegate(const OverlayEnvironment& environment, platform::EventTap& eventTap,
+                         platform::EventPoster& eventPoster, AppCallbacks callbacks)
     : environment_(environment)
-    , routes_(std::move(routes))
+    , routes_(makeInputRoutes())
     , callbacks_(std::move(callbacks))
     , eventTap_(eventTap)
     , eventPoster_(eventPoster)
@@ -31,6 +32,17 @@ AppDelegate::AppDelegate(const OverlayEnvironment& environment, OverlayInputRout
           {eventTap, environment.accessibility, environment.defaults, environment.mainQueue, environment.log},
           callbacks_, [this] { togglePinFrontmostWindow(); })
     , statusItemVisibility_(environment.defaults, bundleIdentifier) {}
+
+OverlayInputRoutes AppDelegate::makeInputRoutes() {
+    OverlayInputRoutes routes;
+    routes.forward = [this](const platform::InputEvent& event, const WindowOverlay& overlay) {
+        EventForwarder::forward(environment_.windowServer, eventPoster_, event,
+                                {.windowID = overlay.targetWindowID(),
+                                 .pid = overlay.targetPID(),
+                                 .size = overlay.frame().size()});
+    };
+    return routes;
+}
 
 void AppDelegate::applicationDidFinishLaunching() {
     promptForAccessibilityOnce();

@@ -22,8 +22,8 @@ class AppDelegate {
   public:
     // The interfaces must outlive the controller. Nothing is observed before the launch but what the tracker
     // does.
-    AppDelegate(const OverlayEnvironment& environment, OverlayInputRoutes routes,
-                platform::EventTap& eventTap, platform::EventPoster& eventPoster, AppCallbacks callbacks);
+    AppDelegate(const OverlayEnvironment& environment, platform::EventTap& eventTap,
+                platform::EventPoster& eventPoster, AppCallbacks callbacks);
 
     void applicationDidFinishLaunching();
     void applicationWillTerminate();
@@ -45,6 +45,7 @@ class AppDelegate {
     [[nodiscard]] const std::optional<ForeignWindow>& lastForeignWindow() const { return lastForeignWindow_; }
 
   private:
+    [[nodiscard]] OverlayInputRoutes makeInputRoutes();
     void logPermissions();
     void promptForAccessibilityOnce();
     void observeForeignWindows();

@@ -14,6 +14,7 @@
 #include "platform/qt/SingleInstance.h"
 #include "platform/qt/TerminationSignals.h"
 #include "platform/x11/InstanceSelection.h"
+#include "platform/x11/RepairChild.h"
 #include "platform/x11/ServerCheck.h"
 #include "platform/x11/X11Desktop.h"
 
@@ -124,7 +125,7 @@ int run(QApplication& application, qt::QtMessages& messages) {
                                   .defaults = defaults,
                                   .mainQueue = mainQueue,
                                   .log = log},
-                                 {}, desktop.eventTap(), desktop.eventPoster(), makeCallbacks());
+                                 desktop.eventTap(), desktop.eventPoster(), makeCallbacks());
     reopened = [&delegate] {
         delegate.applicationShouldHandleReopen();
     };
@@ -148,6 +149,7 @@ int main(int argc, char** argv) {
         tellUser(*problem);
         return EXIT_FAILURE;
     }
+    const x11::RepairChild repair;
     std::atexit(tellServerIsGone);
     qt::QtMessages messages;
     auto arguments = qtArguments(argc, argv);

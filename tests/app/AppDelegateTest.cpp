@@ -31,7 +31,7 @@ class AppDelegateTest : public testing::Test {
     }
     std::unique_ptr<AppDelegate> make() {
         return std::make_unique<AppDelegate>(
-            desktop.environment, OverlayInputRoutes{}, desktop.eventTap, desktop.eventPoster,
+            desktop.environment, desktop.eventTap, desktop.eventPoster,
             AppCallbacks{.reportToUser = {}, .fatal = {}, .terminate = [this] {
                              ++terminations;
                          }});

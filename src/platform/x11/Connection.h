@@ -38,6 +38,7 @@ struct Extensions {
     std::uint8_t xfixesError = 0;
     std::uint8_t randrEvent = 0;
     std::uint8_t shapeEvent = 0;
+    std::uint8_t xinputEvent = 0;
     std::uint8_t xinputOpcode = 0;
     bool resource = false; // X-Resource 1.2: client pids
     bool randr = false;    // RandR 1.5: monitors

@@ -87,6 +87,7 @@ std::string Connection::queryExtensions() {
     }
     extensions_.xtest = present(need(xcb_test_id));
     if (const auto* data = need(xcb_input_id); present(data)) {
+        extensions_.xinputEvent = data->first_event;
         extensions_.xinputOpcode = data->major_opcode;
         xinput = ask<xcb_input_xi_query_version, xcb_input_xi_query_version_reply>(std::uint16_t{2},
                                                                                    std::uint16_t{2});
