@@ -1,6 +1,7 @@
 // The entry: finds the desktop, makes the adapters and the controller, and runs the event loop.
 
 #include "app/AppDelegate.h"
+#include "app/ScrollRoutes.h"
 #include "foundation/DiagnosticsLog.h"
 #include "foundation/LogLocation.h"
 #include "foundation/Product.h"
@@ -16,6 +17,7 @@
 #include "platform/x11/InstanceSelection.h"
 #include "platform/x11/ServerCheck.h"
 #include "platform/x11/X11Desktop.h"
+#include "platform/x11/X11WorkerDesktop.h"
 
 #include <QApplication>
 
@@ -23,6 +25,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -115,6 +118,21 @@ int run(QApplication& application, qt::QtMessages& messages) {
     qt::AccessibilityTrust trust(sessionBus);
     qt::SessionLock sessionLock(sessionBus, qt::systemBus());
     x11::X11Desktop desktop(connection, {mainQueue, queues, trust, sessionLock});
+    const auto scrolling = x11::X11WorkerDesktop::open({}, mainQueue, sessionBus);
+    if (!scrolling.desktop) {
+        tellUser(scrolling.failure);
+        isServerNeeded = false;
+        return EXIT_FAILURE;
+    }
+    skylet::AXScroller scroller({.accessibility = scrolling.desktop->accessibility(),
+                                 .windowServer = scrolling.desktop->windowServer(),
+                                 .workspace = desktop.workspace(),
+                                 .defaults = defaults,
+                                 .mainQueue = mainQueue,
+                                 .queues = queues,
+                                 .log = log});
+    skylet::OverlayInputRoutes routes;
+    skylet::connectScroller(routes, scroller);
     skylet::AppDelegate delegate({.windowServer = desktop.windowServer(),
                                   .accessibility = desktop.accessibility(),
                                   .screenCapture = desktop.screenCapture(),
@@ -124,7 +142,8 @@ int run(QApplication& application, qt::QtMessages& messages) {
                                   .defaults = defaults,
                                   .mainQueue = mainQueue,
                                   .log = log},
-                                 {}, desktop.eventTap(), desktop.eventPoster(), makeCallbacks());
+                                 std::move(routes), desktop.eventTap(), desktop.eventPoster(),
+                                 makeCallbacks());
     reopened = [&delegate] {
         delegate.applicationShouldHandleReopen();
     };
