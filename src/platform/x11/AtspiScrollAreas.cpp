@@ -25,6 +25,7 @@ constexpr std::array<std::uint32_t, 8> contentRoles = {
 constexpr std::uint64_t stateHorizontal = std::uint64_t{1} << 14;
 constexpr std::uint64_t stateShowing = std::uint64_t{1} << 25;
 constexpr std::uint64_t stateVertical = std::uint64_t{1} << 29;
+constexpr std::uint64_t stateVisible = std::uint64_t{1} << 30;
 
 constexpr int maximumDepth = 24; // toolkits nest twice as deep as what the user sees
 constexpr std::size_t maximumNodes = 4000;
@@ -39,8 +40,8 @@ struct Node {
 
 struct Window {
     AtspiRef ref;
-    Point offset; // from the toolkit's coordinates to root coordinates
-    bool tellsShowing = false;
+    Point offset;                  // from the toolkit's coordinates to root coordinates
+    std::uint64_t shownStates = 0; // that an area has when it is shown
     AtspiDrive drive = AtspiDrive::value;
 };
 
@@ -60,7 +61,6 @@ struct Candidate {
     AtspiRef application;
     std::optional<AtspiExtents> extents;
     std::optional<QString> name;
-    std::uint64_t states = 0;
 };
 
 std::vector<Candidate> candidates(AtspiBus& bus, ProcessID pid) {
@@ -69,20 +69,18 @@ std::vector<Candidate> candidates(AtspiBus& bus, ProcessID pid) {
         const auto children =
             AtspiReply::children(bus.call(AtspiBus::method(application, "Accessible", "GetChildren")));
         for (const AtspiRef& child : children.value_or(std::vector<AtspiRef>())) {
-            result.push_back({child, application, {}, {}, 0});
+            result.push_back({child, application, {}, {}});
         }
     }
     std::vector<QDBusMessage> questions;
     for (const Candidate& one : result) {
         questions.push_back(AtspiBus::extents(one.ref));
         questions.push_back(AtspiBus::property(one.ref, "Accessible", "Name"));
-        questions.push_back(AtspiBus::method(one.ref, "Accessible", "GetState"));
     }
     const auto answers = bus.callAll(questions);
     for (std::size_t i = 0; i < result.size(); ++i) {
-        result[i].extents = AtspiReply::extents(answers[3 * i]);
-        result[i].name = AtspiReply::text(answers[3 * i + 1]);
-        result[i].states = AtspiReply::states(answers[3 * i + 2]).value_or(0);
+        result[i].extents = AtspiReply::extents(answers[2 * i]);
+        result[i].name = AtspiReply::text(answers[2 * i + 1]);
     }
     std::erase_if(result, [](const Candidate& one) { return !one.extents; });
     return result;
@@ -119,9 +117,10 @@ std::optional<Window> findWindow(AtspiBus& bus, const AtspiTarget& target) {
     Window window;
     window.ref = found->ref;
     window.offset = inPlace != all.end() ? Point{} : target.bounds.origin();
-    window.tellsShowing = (found->states & stateShowing) != 0;
     const auto toolkit =
         AtspiReply::text(bus.call(AtspiBus::property(found->application, "Application", "ToolkitName")));
+    // GTK 4 says of windows only that they are showing.
+    window.shownStates = toolkit == QStringLiteral("GTK") ? stateVisible : stateShowing;
     window.drive = toolkit == QStringLiteral("VCL") ? AtspiDrive::actions : AtspiDrive::value;
     return window;
 }
@@ -203,7 +202,7 @@ std::optional<AtspiScrollArea> describe(AtspiBus& bus, const Window& window, con
     const auto barStates = AtspiReply::states(answers[3]);
     constexpr int nowhere = std::numeric_limits<int>::min();
     if (!extents || !areaStates || extents->width <= 0 || extents->height <= 0 || extents->x == nowhere ||
-        extents->y == nowhere || (window.tellsShowing && (*areaStates & stateShowing) == 0)) {
+        extents->y == nowhere || (*areaStates & window.shownStates) == 0) {
         return std::nullopt;
     }
     found.frame = {extents->x + window.offset.x, extents->y + window.offset.y, double(extents->width),
