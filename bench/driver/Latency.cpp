@@ -86,7 +86,7 @@ void benchLatency(Stage& stage, const Options& options) {
                 continue;
             }
             Prober prober(stage.desktop().environment().at("DISPLAY"));
-            const int place = static_cast<int>((stampPlace + stampSize / 2) * cases[i].scale);
+            const int place = static_cast<int>((stampPlace + stampSize / 2.0) * cases[i].scale);
             prober.aim(mirrors.windows().front(), place, place);
             rest(1.5);
             measureRested(prober, *target, options.quick ? 10 : 25, results[i]);

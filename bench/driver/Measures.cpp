@@ -71,10 +71,6 @@ double quantile(std::vector<double> values, double part) {
 }
 
 std::string formatted(double value, int digits) {
-    constexpr double notMeasured = -0.5;
-    if (value < notMeasured) {
-        return "-";
-    }
     char text[64];
     std::snprintf(text, sizeof text, "%.*f", digits, value);
     return text;

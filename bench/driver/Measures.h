@@ -27,7 +27,7 @@ void rest(double seconds);
     return quantile(std::move(values), 0.5);
 }
 
-// With this many digits after the point; a dash for what was not measured (below -0.5).
+// With this many digits after the point.
 [[nodiscard]] std::string formatted(double value, int digits);
 
 // One line of a table: the first cell left, all others right.

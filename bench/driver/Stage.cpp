@@ -10,6 +10,10 @@ namespace skylet::bench {
 
 namespace {
 
+std::string targetProgram() {
+    return std::string(SKYLET_BUILD_FOLDER) + "/bench_target";
+}
+
 using desktop::eventually;
 
 constexpr int columns = 4;
@@ -45,9 +49,8 @@ const char* nameOf(MirrorKind kind) {
 }
 
 Target::Target(desktop::VirtualDesktop& desktop, int count)
-    : process_(
-          desktop.start({SKYLET_BUILD_FOLDER "/bench_target", std::to_string(count), std::to_string(columns),
-                         std::to_string(targetWidth), std::to_string(targetHeight)}))
+    : process_(desktop.start({targetProgram(), std::to_string(count), std::to_string(columns),
+                              std::to_string(targetWidth), std::to_string(targetHeight)}))
     , windows_(readWindows(process_)) {
     (void)eventually([&] {
         return std::ranges::all_of(windows_, [&](Window window) { return desktop.x().isViewable(window); });
@@ -61,7 +64,7 @@ Stage::Stage() : desktop_({.width = columns * targetWidth + spare, .height = row
     if (!problem().empty()) {
         return;
     }
-    other_ = desktop_.start({SKYLET_BUILD_FOLDER "/bench_target", "1", "1", "100", "100"});
+    other_ = desktop_.start({targetProgram(), "1", "1", "100", "100"});
     const auto windows = readWindows(other_);
     otherWindow_ = windows.empty() ? Window{XCB_NONE} : windows.front();
     (void)eventually([this] { return x().isViewable(otherWindow_); });

@@ -263,7 +263,7 @@ int main(int argc, char** argv) {
         std::cerr << "usage: bench_reference copy|render SCALE WINDOW..." << std::endl;
         return 2;
     }
-    skylet::bench::Reference reference(std::string(argv[1]) == "render", std::atof(argv[2]));
+    skylet::bench::Reference reference(std::string(argv[1]) == "render", std::strtod(argv[2], nullptr));
     for (int i = 3; i < argc; ++i) {
         reference.add(static_cast<xcb_window_t>(std::strtoul(argv[i], nullptr, 0)));
     }

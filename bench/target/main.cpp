@@ -257,7 +257,10 @@ int main(int argc, char** argv) {
         std::cerr << "usage: bench_target COUNT COLUMNS WIDTH HEIGHT" << std::endl;
         return 2;
     }
-    const skylet::bench::Size size{static_cast<std::uint16_t>(std::atoi(argv[3])),
-                                   static_cast<std::uint16_t>(std::atoi(argv[4]))};
-    return skylet::bench::Target(std::atoi(argv[1]), std::atoi(argv[2]), size).run();
+    const auto number = [argv](int i) {
+        return static_cast<int>(std::strtol(argv[i], nullptr, 10));
+    };
+    const skylet::bench::Size size{static_cast<std::uint16_t>(number(3)),
+                                   static_cast<std::uint16_t>(number(4))};
+    return skylet::bench::Target(number(1), number(2), size).run();
 }

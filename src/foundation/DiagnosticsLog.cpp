@@ -5,11 +5,23 @@
 
 #include <QDateTime>
 
+#include <algorithm>
 #include <fcntl.h>
 #include <unistd.h>
 #include <utility>
 
 namespace skylet {
+
+namespace {
+
+// Titles of other programs' windows stand in messages, and can hold anything; none of them may begin a line.
+std::string onOneLine(std::string message) {
+    std::ranges::replace_if(
+        message, [](unsigned char byte) { return byte < 0x20 || byte == 0x7F; }, ' ');
+    return message;
+}
+
+} // namespace
 
 DiagnosticsLog::DiagnosticsLog(const platform::Defaults& defaults, platform::SerialQueueFactory& queues,
                                PathProvider path)
@@ -41,7 +53,7 @@ void DiagnosticsLog::write(std::chrono::system_clock::time_point time, const std
     }
     const auto sinceEpoch = std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch());
     const QDateTime local = QDateTime::fromMSecsSinceEpoch(sinceEpoch.count());
-    const std::string line = local.toString(wpLogFmt).toStdString() + "  " + message + "\n";
+    const std::string line = local.toString(wpLogFmt).toStdString() + "  " + onOneLine(message) + "\n";
     if (!wpLogPath) {
         wpLogPath = path_();
     }

@@ -130,8 +130,8 @@ class ScreenCapture {
     // The windows that can be captured. The answer never comes inside the call.
     virtual void getShareableContent(bool excludingDesktopWindows, bool onScreenWindowsOnly,
                                      std::function<void(ShareableContent)> done) = 0;
-    // Asks that the window's picture be kept whole, covered or not, until the answer is released. A platform where
-    // every window's picture always is answers null.
+    // Asks that the window's picture be kept whole, covered or not, until the answer is released. A platform
+    // where every window's picture always is answers null.
     [[nodiscard]] virtual Subscription prepareCapture(WindowID window) = 0;
     [[nodiscard]] virtual ContentFilterRef makeFilter(WindowID desktopIndependentWindow) = 0;
     // `didStop` is called at most once, when the system ends a started stream; never inside a call.

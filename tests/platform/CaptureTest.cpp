@@ -253,7 +253,7 @@ TEST_F(CaptureTest, AFrozenPanelKeepsItsPictureWithoutUs) {
     EXPECT_TRUE(shows(5, 5, 0x102030));
     stream_->stopCapture({});
     canvas_->freeze();
-    connection().flush();
+    dispatch(); // the server has it before the other client goes on
     fill(target_, 0xEE0000, {0, 0, targetWidth, targetHeight});
     // Covered and uncovered again: the server restores the frozen picture, not the present one.
     const xcb_window_t lid = other_.createWindow({0, 0, 800, 600}, XCB_WINDOW_NONE, true);

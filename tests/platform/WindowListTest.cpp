@@ -137,6 +137,29 @@ TEST_F(WindowListTest, NamesAreReadWithoutTrust) {
     EXPECT_EQ(name(), "café") << "a wrong type is no name";
 }
 
+TEST_F(WindowListTest, TheRoundTripsDoNotGrowWithTheWindows) {
+    for (int i = 0; i < 60; ++i) {
+        (void)mapped({0, 0, 10, 10});
+    }
+    (void)numbers(onScreen); // from the second copy on it also asks after the windows of the first
+    for (const bool managed : {false, true}) {
+        if (managed) {
+            std::vector<std::uint32_t> windows;
+            for (const std::int64_t number : numbers(onScreen)) {
+                windows.push_back(static_cast<std::uint32_t>(number));
+            }
+            other_.pretendToManage();
+            manage(windows);
+        }
+        const auto before = connection().roundTrips();
+        EXPECT_EQ(numbers(onScreen).size(), 60U);
+        EXPECT_LE(connection().roundTrips() - before, 3U) << "managed: " << managed;
+    }
+    const auto before = connection().roundTrips();
+    (void)entry(mapped({0, 0, 10, 10}));
+    EXPECT_EQ(connection().roundTrips() - before, 1U);
+}
+
 } // namespace
 
 } // namespace skylet::test

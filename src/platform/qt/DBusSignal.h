@@ -28,8 +28,7 @@ class DBusSignal : public QObject {
     DBusSignal(QDBusConnection bus, Source source, Callback callback);
     ~DBusSignal() override;
 
-  public Q_SLOTS:
-    void receive(const QDBusMessage& message);
+    Q_SLOT void receive(const QDBusMessage& message);
 
   private:
     QDBusConnection bus_;

@@ -88,6 +88,8 @@ std::string FileDefaults::defaultPath() {
 FileDefaults::FileDefaults(std::string path) : file_(std::move(path)) {
     reload();
     noticed_ = currentValues();
+    changed_.setSingleShot(true);
+    QObject::connect(&changed_, &QTimer::timeout, &changed_, [this] { noticeChanges(); });
     QObject::connect(&watcher_, &QFileSystemWatcher::fileChanged, &watcher_, [this] { noticeChanges(); });
     QObject::connect(&watcher_, &QFileSystemWatcher::directoryChanged, &watcher_,
                      [this] { noticeChanges(); });
@@ -178,11 +180,7 @@ void FileDefaults::write(std::string_view key, std::optional<std::string> value)
         }
     }
     watch();
-    if (!checkScheduled_) {
-        checkScheduled_ = true;
-        QMetaObject::invokeMethod(
-            &watcher_, [this] { noticeChanges(); }, Qt::QueuedConnection);
-    }
+    changed_.start();
 }
 
 // Writes what is unsaved and this value over the file as it is now.
@@ -256,7 +254,6 @@ void FileDefaults::watch() {
 }
 
 void FileDefaults::noticeChanges() {
-    checkScheduled_ = false;
     watch();
     Values values = currentValues();
     if (values == noticed_) {

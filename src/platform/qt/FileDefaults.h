@@ -12,6 +12,7 @@
 #include "platform/qt/Observers.h"
 
 #include <QFileSystemWatcher>
+#include <QTimer>
 
 #include <map>
 #include <mutex>
@@ -69,7 +70,7 @@ class FileDefaults : public Defaults {
     mutable std::map<std::string, Unsaved, std::less<>> unsaved_;
 
     QFileSystemWatcher watcher_;
-    bool checkScheduled_ = false;
+    QTimer changed_; // brings notices of our own writes together, out of the call
     Values noticed_; // as of the last notice
     Observers<> observers_;
 };

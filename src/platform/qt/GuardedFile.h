@@ -25,7 +25,7 @@ struct FileIdentity {
 class GuardedFile {
   public:
     // More than any file of ours can need; a larger one is not ours.
-    static constexpr off_t maximumBytes = 1024 * 1024;
+    static constexpr off_t maximumBytes = 1'048'576;
 
     enum class State {
         absent,

@@ -4,7 +4,7 @@
 // foreign resources is sent with `sendTolerant`, because the window behind it can vanish at any moment and an
 // error about that is an answer; an error of any other request is a defect and is reported to the error sink.
 //
-// Threads: main thread only; one without a loop that watches it, the one thread that uses it. Failure: `open`
+// Threads: main thread only; one that no event loop watches, the one thread that uses it. Failure: `open`
 // answers nothing, with the reason; a connection that breaks later calls the closed handler once and does
 // nothing from then on.
 #pragma once
@@ -74,6 +74,8 @@ class Connection {
     [[nodiscard]] const Extensions& extensions() const { return extensions_; }
     [[nodiscard]] bool isOpen() const { return open_; }
     [[nodiscard]] bool isWatched() const { return events_ == Events::byLoop; }
+    // Waits so far, for those who must not add to them.
+    [[nodiscard]] std::uint64_t roundTrips() const { return roundTrips_.count; }
     [[nodiscard]] std::uint32_t generateId() const { return xcb_generate_id(raw()); }
     [[nodiscard]] bool isOwnResource(std::uint32_t id) const {
         const auto* setup = xcb_get_setup(raw());
@@ -83,7 +85,7 @@ class Connection {
     // Sends a request that has a reply: ask<xcb_get_geometry, xcb_get_geometry_reply>(window).
     template <auto Request, auto Fetch, class... Args>
     [[nodiscard]] Pending<Fetch> ask(Args... args) {
-        return Pending<Fetch>(raw(), Request(raw(), args...));
+        return Pending<Fetch>(raw(), Request(raw(), args...), &roundTrips_);
     }
 
     // Sends a request without a reply on resources of our own: an error is reported.
@@ -157,6 +159,7 @@ class Connection {
     Extensions extensions_;
     Events events_ = Events::byLoop;
     bool open_ = true;
+    RoundTrips roundTrips_;
     xcb_window_t helper_ = XCB_WINDOW_NONE; // never mapped; carries the time property
     std::deque<std::uint32_t> tolerated_;   // sequences of tolerant requests not yet known to have succeeded
     std::deque<XcbOwned<xcb_generic_event_t>> pendingEvents_;

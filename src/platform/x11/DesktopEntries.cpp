@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr qint64 maximumBytes = 256 * 1024;
+constexpr qint64 maximumBytes = 262'144;
 constexpr std::string_view suffix = ".desktop";
 constexpr std::string_view mainGroup = "[Desktop Entry]";
 

@@ -5,7 +5,9 @@
 namespace skylet::platform::x11 {
 
 MirrorSurface::MirrorSurface(std::shared_ptr<TargetWindow> target) : target_(std::move(target)) {
-    follow_ = target_->follow({[this] { wholeDamage_ = true; }, [] {}});
+    follow_ = target_->follow({[this] { wholeDamage_ = true; },
+                               [] {
+                               }});
 }
 
 PixelRect MirrorSurface::takeDamage() {

@@ -1,4 +1,5 @@
-// The surface that capture hands to panels: a window's picture in the X server, with what changed since it was shown.
+// The surface that capture hands to panels: a window's picture in the X server, with what changed since it
+// was shown.
 //
 // Threads: main thread; only the reference count is touched elsewhere.
 #pragma once

@@ -3,12 +3,12 @@
 
 #include "platform/Types.h"
 
+#include <xcb/xcb.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <vector>
-
-#include <xcb/xcb.h>
 
 namespace skylet::platform::x11 {
 
@@ -42,8 +42,10 @@ struct PixelRect {
     return {left, top, std::max(a.right(), b.right()) - left, std::max(a.bottom(), b.bottom()) - top};
 }
 
-// What is left of every rectangle of `from` without `hole`, as rectangles that do not overlap if those did not.
-[[nodiscard]] inline std::vector<PixelRect> subtracted(const std::vector<PixelRect>& from, const PixelRect& hole) {
+// What is left of every rectangle of `from` without `hole`, as rectangles that do not overlap if those did
+// not.
+[[nodiscard]] inline std::vector<PixelRect> subtracted(const std::vector<PixelRect>& from,
+                                                       const PixelRect& hole) {
     std::vector<PixelRect> rest;
     for (const PixelRect& rect : from) {
         const PixelRect cut = intersection(rect, hole);
@@ -66,8 +68,12 @@ struct PixelRect {
 
 // The pixels nearest to a rectangle in points; at least one pixel in size. X positions and sizes are 16-bit.
 [[nodiscard]] inline PixelRect toPixels(const Rect& rect) {
-    const auto position = [](double value) { return static_cast<int>(std::lround(std::clamp(value, -32768.0, 32767.0))); };
-    const auto extent = [](double value) { return static_cast<int>(std::lround(std::clamp(value, 1.0, 32767.0))); };
+    const auto position = [](double value) {
+        return static_cast<int>(std::lround(std::clamp(value, -32768.0, 32767.0)));
+    };
+    const auto extent = [](double value) {
+        return static_cast<int>(std::lround(std::clamp(value, 1.0, 32767.0)));
+    };
     return {position(rect.x), position(rect.y), extent(rect.width), extent(rect.height)};
 }
 

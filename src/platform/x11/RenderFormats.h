@@ -3,9 +3,9 @@
 
 #include "platform/x11/Connection.h"
 
-#include <unordered_map>
-
 #include <xcb/render.h>
+
+#include <unordered_map>
 
 namespace skylet::platform::x11 {
 

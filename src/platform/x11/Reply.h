@@ -23,6 +23,13 @@ struct FreeDeleter {
 template <class T>
 using XcbOwned = std::unique_ptr<T, FreeDeleter>;
 
+// How often the program had to wait for an answer to something that it had not yet asked when it waited last:
+// what a sequence of requests costs in latency, however many requests it is made of.
+struct RoundTrips {
+    std::uint64_t count = 0;
+    bool askedSince = false;
+};
+
 struct XError {
     std::uint8_t code = 0; // core error code, or the extension's first error plus its own
     std::uint8_t majorOpcode = 0;
@@ -42,7 +49,15 @@ template <class R, class Cookie, R* (*Fetch)(xcb_connection_t*, Cookie, xcb_gene
 class Pending<Fetch> {
   public:
     Pending() = default;
-    Pending(xcb_connection_t* connection, Cookie cookie) : connection_(connection), cookie_(cookie) {}
+    // `trips`, if given, must outlive the reply.
+    Pending(xcb_connection_t* connection, Cookie cookie, RoundTrips* trips = nullptr)
+        : connection_(connection)
+        , cookie_(cookie)
+        , trips_(trips) {
+        if (trips_) {
+            trips_->askedSince = true;
+        }
+    }
     Pending(Pending&& other) noexcept { swap(other); }
     Pending& operator=(Pending&& other) noexcept {
         Pending moved(std::move(other));
@@ -76,6 +91,9 @@ class Pending<Fetch> {
             return;
         }
         fetched_ = true;
+        if (trips_ && std::exchange(trips_->askedSince, false)) {
+            ++trips_->count;
+        }
         xcb_generic_error_t* error = nullptr;
         reply_.reset(Fetch(connection_, cookie_, &error));
         if (error) {
@@ -86,6 +104,7 @@ class Pending<Fetch> {
     void swap(Pending& other) noexcept {
         std::swap(connection_, other.connection_);
         std::swap(cookie_, other.cookie_);
+        std::swap(trips_, other.trips_);
         std::swap(fetched_, other.fetched_);
         std::swap(reply_, other.reply_);
         std::swap(error_, other.error_);
@@ -93,6 +112,7 @@ class Pending<Fetch> {
 
     xcb_connection_t* connection_ = nullptr;
     Cookie cookie_{};
+    RoundTrips* trips_ = nullptr;
     bool fetched_ = false;
     XcbOwned<R> reply_;
     std::optional<XError> error_;

@@ -10,7 +10,8 @@ constexpr std::uint32_t maximumWindows = 16384;
 PendingRootState::PendingRootState(Connection& connection) {
     const Atoms& atoms = connection.atoms();
     const xcb_window_t root = connection.root();
-    stacking_ = askProperty(connection, root, atoms.NET_CLIENT_LIST_STACKING, XCB_ATOM_WINDOW, maximumWindows);
+    stacking_ =
+        askProperty(connection, root, atoms.NET_CLIENT_LIST_STACKING, XCB_ATOM_WINDOW, maximumWindows);
     clients_ = askProperty(connection, root, atoms.NET_CLIENT_LIST, XCB_ATOM_WINDOW, maximumWindows);
     wmCheck_ = askProperty(connection, root, atoms.NET_SUPPORTING_WM_CHECK, XCB_ATOM_WINDOW, 1);
     currentDesktop_ = askProperty(connection, root, atoms.NET_CURRENT_DESKTOP, XCB_ATOM_CARDINAL, 1);
@@ -33,7 +34,8 @@ PendingRootState::State PendingRootState::read() {
 PendingProperty askWmCheck(Connection& connection, xcb_window_t wmCheck) {
     return wmCheck == XCB_WINDOW_NONE
                ? PendingProperty()
-               : askProperty(connection, wmCheck, connection.atoms().NET_SUPPORTING_WM_CHECK, XCB_ATOM_WINDOW, 1);
+               : askProperty(connection, wmCheck, connection.atoms().NET_SUPPORTING_WM_CHECK, XCB_ATOM_WINDOW,
+                             1);
 }
 
 bool isLiveWm(PendingProperty& pending, xcb_window_t wmCheck) {

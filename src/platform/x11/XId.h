@@ -3,15 +3,16 @@
 
 #include "platform/x11/Connection.h"
 
-#include <utility>
-
 #include <xcb/damage.h>
 #include <xcb/render.h>
 #include <xcb/xcb.h>
 
+#include <utility>
+
 namespace skylet::platform::x11 {
 
-// `Free` is the request that frees the resource. Freeing is tolerant: the server frees a damage with its window.
+// `Free` is the request that frees the resource. Freeing is tolerant: the server frees a damage with its
+// window.
 template <auto Free>
 class XId {
   public:
@@ -19,7 +20,8 @@ class XId {
     // Takes the ownership of `id`, which the caller has created or is about to create.
     XId(Connection& connection, std::uint32_t id) : connection_(&connection), id_(id) {}
     XId(XId&& other) noexcept
-        : connection_(std::exchange(other.connection_, nullptr)), id_(std::exchange(other.id_, 0)) {}
+        : connection_(std::exchange(other.connection_, nullptr))
+        , id_(std::exchange(other.id_, 0)) {}
     XId& operator=(XId&& other) noexcept {
         if (this != &other) {
             reset();

@@ -135,20 +135,17 @@ bool VirtualDesktop::changeWindowManager(WindowManagerKind kind) {
     Environment environment = environment_;
     environment.insert(manager.environment.begin(), manager.environment.end());
     windowManager_ = Process(manager.command, environment, path("wm.err"));
-    const bool ready =
-        eventually([this] { return session_->hasWindowManager() || !windowManager_.isRunning(); });
+    const bool ready = eventually([&] {
+        return (session_->hasWindowManager() && session_->hasCompositor() == manager.compositing) ||
+               !windowManager_.isRunning();
+    });
     return ready && windowManager_.isRunning() && session_->windowManagerAnswers() &&
            (!manager.withPicom || startCompositor());
 }
 
 bool VirtualDesktop::startCompositor() {
     compositor_ = start({"picom", "--backend", "xrender", "--config", "/dev/null"}, "compositor.err");
-    return eventually([this] {
-        const auto owner = own(xcb_get_selection_owner_reply(
-            session_->connection(),
-            xcb_get_selection_owner(session_->connection(), session_->atom("_NET_WM_CM_S0")), nullptr));
-        return owner && owner->owner != XCB_NONE;
-    });
+    return eventually([this] { return session_->hasCompositor(); });
 }
 
 void VirtualDesktop::stopCompositor() {

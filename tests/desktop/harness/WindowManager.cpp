@@ -33,27 +33,28 @@ WindowManager describe(WindowManagerKind kind, const std::string& configFolder) 
     case WindowManagerKind::none:
         return {};
     case WindowManagerKind::openbox:
-        return {{"openbox", "--sm-disable"}, {}, false};
+        return {.command = {"openbox", "--sm-disable"}};
     case WindowManagerKind::openboxPicom:
-        return {{"openbox", "--sm-disable"}, {}, true};
+        return {.command = {"openbox", "--sm-disable"}, .withPicom = true};
     case WindowManagerKind::xfwm4:
-        return {{"xfwm4", "--compositor=off"}, {}, false};
+        return {.command = {"xfwm4", "--compositor=off"}};
     case WindowManagerKind::xfwm4Compositing:
-        return {{"xfwm4", "--compositor=on", "--vblank=off"}, {}, false};
+        return {.command = {"xfwm4", "--compositor=on", "--vblank=off"}, .compositing = true};
     case WindowManagerKind::metacity:
-        return {{"metacity", "--sm-disable", "--no-composite"}, {}, false};
+        return {.command = {"metacity", "--sm-disable", "--no-composite"}};
     case WindowManagerKind::mutter:
-        return {{"mutter", "--x11", "--sm-disable"}, {}, false};
+        return {.command = {"mutter", "--x11", "--sm-disable"}, .compositing = true};
     case WindowManagerKind::kwin:
         writeFile(configFolder + "/kwinrc", "[Compositing]\nEnabled=false\n");
-        return {{"kwin_x11"}, {{"KWIN_COMPOSE", "N"}}, false};
+        return {.command = {"kwin_x11"}, .environment = {{"KWIN_COMPOSE", "N"}}};
     case WindowManagerKind::kwinCompositing:
-        return {{"kwin_x11"}, {{"KWIN_COMPOSE", "O2"}}, false};
+        return {.command = {"kwin_x11"}, .environment = {{"KWIN_COMPOSE", "O2"}}, .compositing = true};
     case WindowManagerKind::i3:
         // Tiled windows cannot cover each other, which is what the tests are about.
-        writeFile(configFolder + "/i3/config", "font pango:monospace 8\nfor_window [all] floating enable\n"
+        writeFile(configFolder + "/i3/config", "# i3 config file (v4)\nfont pango:monospace 8\n"
+                                               "for_window [class=\".*\"] floating enable\n"
                                                "focus_follows_mouse no\n");
-        return {{"i3", "-c", configFolder + "/i3/config"}, {}, false};
+        return {.command = {"i3", "-c", configFolder + "/i3/config"}};
     }
     return {};
 }

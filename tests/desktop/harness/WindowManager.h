@@ -21,8 +21,9 @@ enum class WindowManagerKind {
 };
 
 struct WindowManager {
-    Command command; // empty for none
-    Environment environment;
+    Command command{}; // empty for none
+    Environment environment{};
+    bool compositing = false;
     bool withPicom = false;
 };
 

@@ -236,6 +236,12 @@ bool XSession::hasWindowManager() const {
     return named.size() == 1 && numbers(named.front(), "_NET_SUPPORTING_WM_CHECK") == named;
 }
 
+bool XSession::hasCompositor() const {
+    const auto cookie = xcb_get_selection_owner(connection(), atom("_NET_WM_CM_S0"));
+    const auto owner = own(xcb_get_selection_owner_reply(connection(), cookie, nullptr));
+    return owner && owner->owner != XCB_NONE;
+}
+
 bool XSession::windowManagerAnswers() const {
     const Window probe = xcb_generate_id(connection());
     xcb_create_window(connection(), XCB_COPY_FROM_PARENT, probe, root_, 0, 0, 20, 20, 0,

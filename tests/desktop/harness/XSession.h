@@ -71,6 +71,7 @@ class XSession {
     [[nodiscard]] Window activeWindow() const;
     [[nodiscard]] Window inputFocus() const;
     [[nodiscard]] bool hasWindowManager() const;
+    [[nodiscard]] bool hasCompositor() const;
     // Announced or not, a window manager may lose the windows that come in its first moments: whether it
     // manages one.
     [[nodiscard]] bool windowManagerAnswers() const;
