@@ -20,10 +20,11 @@ constexpr double foreignWindowDelay = 0.1;
 
 } // namespace
 
-AppDelegate::AppDelegate(const OverlayEnvironment& environment, platform::EventTap& eventTap,
-                         platform::EventPoster& eventPoster, AppCallbacks callbacks)
+AppDelegate::AppDelegate(const OverlayEnvironment& environment, AXScroller& scroller,
+                         platform::EventTap& eventTap, platform::EventPoster& eventPoster,
+                         AppCallbacks callbacks)
     : environment_(environment)
-    , routes_(makeInputRoutes())
+    , routes_(makeInputRoutes(scroller))
     , callbacks_(std::move(callbacks))
     , eventTap_(eventTap)
     , eventPoster_(eventPoster)
@@ -33,13 +34,23 @@ AppDelegate::AppDelegate(const OverlayEnvironment& environment, platform::EventT
           callbacks_, [this] { togglePinFrontmostWindow(); })
     , statusItemVisibility_(environment.defaults, bundleIdentifier) {}
 
-OverlayInputRoutes AppDelegate::makeInputRoutes() {
+OverlayInputRoutes AppDelegate::makeInputRoutes(AXScroller& scroller) {
     OverlayInputRoutes routes;
     routes.forward = [this](const platform::InputEvent& event, const WindowOverlay& overlay) {
         EventForwarder::forward(environment_.windowServer, eventPoster_, event,
                                 {.windowID = overlay.targetWindowID(),
                                  .pid = overlay.targetPID(),
                                  .size = overlay.frame().size()});
+    };
+    routes.axScroll = [&scroller](platform::ProcessID pid, platform::WindowID windowID, double deltaY,
+                                  platform::Point point) {
+        scroller.scroll(pid, windowID, deltaY, point);
+    };
+    routes.axForget = [&scroller](platform::WindowID windowID) {
+        scroller.forget(windowID);
+    };
+    routes.probe = [&scroller](platform::ProcessID pid, platform::WindowID windowID) {
+        scroller.probe(pid, windowID);
     };
     return routes;
 }
