@@ -15,6 +15,9 @@ namespace {
 constexpr double idleSeconds = 1.0;
 // The release that the overlay reports comes within this time of the user's own, or not at all.
 constexpr double releaseGrace = 0.1;
+// What a popup needs to notice a click beside it.
+constexpr double popupGrace = 0.15;
+constexpr std::uint8_t leftButton = 1;
 constexpr std::uint8_t rightButton = 3;
 // The Escape key's place on every keyboard: evdev code 1 and the offset of 8.
 constexpr xcb_keycode_t escapeKey = 9;
@@ -51,7 +54,9 @@ PostingSession::PostingSession(Connection& connection, MainQueue& mainQueue, Sec
 }
 
 PostingSession::~PostingSession() {
-    closePopups();
+    if (popups_.isOpen()) {
+        pointer_.tapKey(escapeKey);
+    }
     letGo();
     if (isReady_ && !isGone_) {
         FocusLead::end(connection_, client_);
@@ -93,8 +98,8 @@ void PostingSession::runQueue() {
             release(input);
             break;
         case PostedInput::Kind::motion:
-            if (heldButton_ != 0 && aim(input)) {
-                pointer_.warp(x_, y_);
+            if (heldButton_ != 0) {
+                follow(input);
             }
             break;
         case PostedInput::Kind::wheel:
@@ -147,6 +152,15 @@ bool PostingSession::aim(const PostedInput& input) {
     return true;
 }
 
+void PostingSession::follow(const PostedInput& input) {
+    const int x = x_;
+    const int y = y_;
+    // A warp to where the pointer is would be told to the target as a motion.
+    if (aim(input) && (x_ != x || y_ != y)) {
+        pointer_.warp(x_, y_);
+    }
+}
+
 void PostingSession::press(const PostedInput& input) {
     dropsUntilRelease_ = false;
     if (popups_.isOpen()) {
@@ -160,19 +174,17 @@ void PostingSession::press(const PostedInput& input) {
         return;
     }
     connection_.send<xcb_grab_server>();
-    pointer_.pressSpareAtPark();
+    if (isAway_) {
+        pointer_.park();
+    }
+    pointer_.pressSpare();
     holes_.cut();
     pointer_.lockModifiers(input.state);
     pointer_.warpUnnoticed(x_, y_);
     pointer_.press(input.button);
+    pointer_.releaseSpare();
     heldButton_ = input.button;
-    spareIsDown_ = true;
     isAway_ = true;
-    if (input.button == rightButton) {
-        // A menu grabs the pointer at the press and would take the spare button's release for a choice.
-        pointer_.releaseSpare();
-        spareIsDown_ = false;
-    }
     holes_.close();
     connection_.send<xcb_ungrab_server>();
     connection_.flush();
@@ -182,14 +194,9 @@ void PostingSession::release(const PostedInput& input) {
     if (std::exchange(dropsUntilRelease_, false) || heldButton_ != input.button) {
         return;
     }
-    if (aim(input)) {
-        pointer_.warp(x_, y_);
-    }
+    follow(input);
     const bool mayOpenMenu = heldButton_ == rightButton || popups_.isOpen();
     pointer_.release(std::exchange(heldButton_, std::uint8_t{0}));
-    if (std::exchange(spareIsDown_, false)) {
-        pointer_.releaseSpare();
-    }
     pointer_.unlockModifiers();
     if (!mayOpenMenu) {
         pointer_.park();
@@ -208,7 +215,10 @@ void PostingSession::wheel(const PostedInput& input) {
     }
     if (!inDrag) {
         connection_.send<xcb_grab_server>();
-        pointer_.pressSpareAtPark();
+        if (isAway_) {
+            pointer_.park();
+        }
+        pointer_.pressSpare();
         holes_.cut();
         pointer_.lockModifiers(input.state);
         pointer_.warpUnnoticed(x_, y_);
@@ -232,12 +242,11 @@ void PostingSession::wheel(const PostedInput& input) {
 
 // Ends whatever is under way, wherever it got stuck.
 void PostingSession::letGo() {
-    if (heldButton_ != 0 || spareIsDown_ || isAway_) {
+    if (heldButton_ != 0 || isAway_) {
         pointer_.releaseAllButtons();
         pointer_.unlockModifiers();
         pointer_.park();
         heldButton_ = 0;
-        spareIsDown_ = false;
         isAway_ = false;
     }
     connection_.flush();
@@ -270,14 +279,30 @@ void PostingSession::userReleased() {
     });
 }
 
+// A click beside the popups is what closes those that hold the pointer, so that nothing else sees it. Others
+// close with the focus, or at least by Escape.
 void PostingSession::closePopups() {
-    if (popups_.isOpen()) {
-        pointer_.tapKey(escapeKey);
-        connection_.flush();
+    if (!popups_.isOpen() || heldButton_ != 0) {
+        return;
     }
+    pointer_.park();
+    isAway_ = false;
+    pointer_.press(leftButton);
+    pointer_.release(leftButton);
+    connection_.flush();
+    mainQueue_.after(popupGrace, [this, alive = std::weak_ptr(alive_)] {
+        if (!alive.expired() && popups_.isOpen()) {
+            FocusLead::end(connection_, client_);
+            isReady_ = false;
+            pointer_.tapKey(escapeKey);
+            connection_.flush();
+        }
+    });
 }
 
 void PostingSession::popupsGone() {
+    // A popup's grabs may have told the target that it lost the focus.
+    isReady_ = false;
     if (heldButton_ == 0) {
         letGo();
         scheduleEnd();

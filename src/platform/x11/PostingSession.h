@@ -41,6 +41,8 @@ class PostingSession {
     void runQueue();
     void leadAnswered(bool ready);
     void press(const PostedInput& input);
+    // The pointer, with its button down, goes to the input's place.
+    void follow(const PostedInput& input);
     void release(const PostedInput& input);
     void wheel(const PostedInput& input);
     void letGo();
@@ -67,7 +69,6 @@ class PostingSession {
     bool isReady_ = false;
     bool dropsUntilRelease_ = false;
     std::uint8_t heldButton_ = 0;
-    bool spareIsDown_ = false;
     bool isAway_ = false; // from the parking place
     int x_ = 0;
     int y_ = 0;

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstring>
+#include <numeric>
 #include <string_view>
 
 namespace skylet::platform::x11 {
@@ -19,6 +20,7 @@ constexpr std::uint8_t deviceKeyPress = 1;
 constexpr std::uint8_t deviceKeyRelease = 2;
 constexpr std::uint8_t deviceButtonPress = 3;
 constexpr std::uint8_t deviceButtonRelease = 4;
+constexpr std::uint8_t wheelRight = 7;
 constexpr std::uint8_t allModifiers = 0xFF;
 
 xcb_input_fp1616_t toFixed(int value) {
@@ -128,7 +130,23 @@ void SecondPointer::makePark() {
                                         std::uint16_t{0}, std::uint16_t{0}, std::uint16_t{0},
                                         std::uint16_t{0}, std::uint16_t{0}, std::uint16_t{0});
     hideCursorOver(root);
+    muteSpare();
     warpUnnoticed(parkX_, parkY_);
+}
+
+// The target hears of the spare button's release. Under the name of a wheel button nobody minds: a wheel has no
+// release that means anything, and the sideways ones have no bit in the state of later events.
+void SecondPointer::muteSpare() {
+    std::array<std::uint8_t, spareButton> map{};
+    std::iota(map.begin(), map.end(), std::uint8_t{1});
+    map.back() = wheelRight;
+    for (const std::uint16_t device : {devices_.testPointer, devices_.pointer}) {
+        // The answer tells only whether a button is down, which repairs have seen to.
+        auto answer =
+            connection_.ask<xcb_input_set_device_button_mapping, xcb_input_set_device_button_mapping_reply>(
+                static_cast<std::uint8_t>(device), static_cast<std::uint8_t>(map.size()),
+                static_cast<const std::uint8_t*>(map.data()));
+    }
 }
 
 void SecondPointer::warp(int x, int y) {
@@ -179,16 +197,11 @@ void SecondPointer::releaseAllButtons() {
     }
 }
 
-void SecondPointer::pressSpareAtPark() {
+void SecondPointer::park() {
     const std::uint32_t above = XCB_STACK_MODE_ABOVE;
     connection_.send<xcb_configure_window>(xcb_window_t{park_.get()},
                                            std::uint16_t{XCB_CONFIG_WINDOW_STACK_MODE},
                                            static_cast<const void*>(&above));
-    warpUnnoticed(parkX_, parkY_);
-    press(spareButton);
-}
-
-void SecondPointer::park() {
     warpUnnoticed(parkX_, parkY_);
 }
 

@@ -30,7 +30,7 @@ struct SecondPointerDevices {
 [[nodiscard]] SecondPointerDevices findSecondPointer(Connection& connection);
 [[nodiscard]] std::uint16_t clientPointer(Connection& connection, xcb_window_t window);
 
-// The highest button of an XTEST pointer. No toolkit gives it a meaning.
+// The highest button of an XTEST pointer.
 constexpr std::uint8_t spareButton = 10;
 
 class SecondPointer {
@@ -55,9 +55,9 @@ class SecondPointer {
     void release(std::uint8_t button);
     // Blindly: the server does not show all of them as down.
     void releaseAllButtons();
-    // Pressed over the parking place. Passive button grabs (click to focus) are looked up only for the first
-    // button that goes down on a device.
-    void pressSpareAtPark();
+    // Passive button grabs (click to focus) are looked up only for the first button that goes down on a
+    // device. The spare button is that one; pressed while parked, no window hears of it.
+    void pressSpare() { press(spareButton); }
     void releaseSpare() { release(spareButton); }
     void park();
     void lockModifiers(std::uint16_t state);
@@ -75,6 +75,7 @@ class SecondPointer {
 
   private:
     void makePark();
+    void muteSpare();
     void fake(std::uint8_t type, std::uint8_t detail, std::uint16_t device);
     void beginGrab();
     void endGrab();

@@ -231,6 +231,12 @@ Window XSession::inputFocus() const {
     return reply ? reply->focus : XCB_NONE;
 }
 
+Window XSession::selectionOwner(const std::string& selection) const {
+    const auto reply = own(xcb_get_selection_owner_reply(
+        connection(), xcb_get_selection_owner(connection(), atom(selection)), nullptr));
+    return reply ? reply->owner : XCB_NONE;
+}
+
 bool XSession::hasWindowManager() const {
     const std::vector<std::uint32_t> named = numbers(root_, "_NET_SUPPORTING_WM_CHECK");
     return named.size() == 1 && numbers(named.front(), "_NET_SUPPORTING_WM_CHECK") == named;

@@ -70,6 +70,7 @@ class XSession {
     [[nodiscard]] Window topLevelOf(Window window) const;
     [[nodiscard]] Window activeWindow() const;
     [[nodiscard]] Window inputFocus() const;
+    [[nodiscard]] Window selectionOwner(const std::string& selection) const;
     [[nodiscard]] bool hasWindowManager() const;
     [[nodiscard]] bool hasCompositor() const;
     // Announced or not, a window manager may lose the windows that come in its first moments: whether it
