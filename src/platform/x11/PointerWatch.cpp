@@ -8,13 +8,12 @@
 
 namespace skylet::platform::x11 {
 
-PointerWatch::PointerWatch(Connection& connection, std::uint16_t ownDevice, std::function<void()> pressed,
-                           std::function<void()> released)
+PointerWatch::PointerWatch(Connection& connection, std::uint16_t ownDevice, Handlers handlers)
     : connection_(connection)
     , ownDevice_(ownDevice)
-    , pressed_(std::move(pressed))
-    , released_(std::move(released)) {
-    select(XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE);
+    , handlers_(std::move(handlers)) {
+    select(XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE |
+           XCB_INPUT_XI_EVENT_MASK_RAW_MOTION);
     events_ = connection_.subscribeBroadcast([this](const xcb_generic_event_t& event) { handle(event); });
 }
 
@@ -40,9 +39,11 @@ void PointerWatch::handle(const xcb_generic_event_t& event) {
         return;
     }
     if (generic.event_type == XCB_INPUT_RAW_BUTTON_PRESS) {
-        pressed_();
+        handlers_.pressed();
     } else if (generic.event_type == XCB_INPUT_RAW_BUTTON_RELEASE) {
-        released_();
+        handlers_.released();
+    } else if (generic.event_type == XCB_INPUT_RAW_MOTION) {
+        handlers_.moved();
     }
 }
 

@@ -1,4 +1,4 @@
-// Raw button presses and releases of the user's own devices, whoever has grabbed them.
+// Raw button presses, releases and motion of the user's own devices, whoever has grabbed them.
 //
 // Threads: main thread. Needs XInput 2.1; without it nothing is told.
 #pragma once
@@ -11,9 +11,13 @@ namespace skylet::platform::x11 {
 
 class PointerWatch {
   public:
+    struct Handlers {
+        std::function<void()> pressed;
+        std::function<void()> released;
+        std::function<void()> moved;
+    };
     // `ownDevice` is the pointer that is not the user's.
-    PointerWatch(Connection& connection, std::uint16_t ownDevice, std::function<void()> pressed,
-                 std::function<void()> released);
+    PointerWatch(Connection& connection, std::uint16_t ownDevice, Handlers handlers);
     PointerWatch(const PointerWatch&) = delete;
     PointerWatch& operator=(const PointerWatch&) = delete;
     ~PointerWatch();
@@ -24,8 +28,7 @@ class PointerWatch {
 
     Connection& connection_;
     std::uint16_t ownDevice_;
-    std::function<void()> pressed_;
-    std::function<void()> released_;
+    Handlers handlers_;
     Subscription events_;
 };
 

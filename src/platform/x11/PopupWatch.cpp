@@ -16,10 +16,20 @@ PopupWatch::PopupWatch(Connection& connection, ProcessID pid, std::function<void
                                     [this](const xcb_generic_event_t& event) { handle(event); });
 }
 
-bool PopupWatch::contains(int x, int y) const {
-    return std::any_of(popups_.begin(), popups_.end(), [&](const auto& popup) {
-        return !intersection(popup.second, {x, y, 1, 1}).isEmpty();
+const PopupWatch::Popup* PopupWatch::find(PixelPoint place) const {
+    const auto it = std::ranges::find_if(popups_, [&](const auto& popup) {
+        return !intersection(popup.second.place, {place.x, place.y, 1, 1}).isEmpty();
     });
+    return it == popups_.end() ? nullptr : &it->second;
+}
+
+bool PopupWatch::isDeafAt(PixelPoint place) const {
+    const Popup* popup = find(place);
+    return popup && popup->isDeaf;
+}
+
+bool PopupWatch::hasDeaf() const {
+    return std::ranges::any_of(popups_, [](const auto& popup) { return popup.second.isDeaf; });
 }
 
 void PopupWatch::handle(const xcb_generic_event_t& event) {
@@ -38,7 +48,7 @@ void PopupWatch::handle(const xcb_generic_event_t& event) {
     case XCB_CONFIGURE_NOTIFY: {
         const auto& configure = as<xcb_configure_notify_event_t>(event);
         if (const auto it = popups_.find(configure.window); it != popups_.end()) {
-            it->second = {configure.x, configure.y, configure.width, configure.height};
+            it->second.place = {configure.x, configure.y, configure.width, configure.height};
         }
         break;
     }
@@ -51,7 +61,9 @@ void PopupWatch::mapped(xcb_window_t window) {
     auto geometry = connection_.ask<xcb_get_geometry, xcb_get_geometry_reply>(window);
     // Input-only helpers and one-pixel windows are no menus.
     if (clientPid(connection_, window) == pid_ && geometry && geometry->depth != 0 && geometry->width > 1) {
-        popups_[window] = {geometry->x, geometry->y, geometry->width, geometry->height};
+        auto attributes = connection_.ask<xcb_get_window_attributes, xcb_get_window_attributes_reply>(window);
+        const bool isDeaf = attributes && (attributes->all_event_masks & XCB_EVENT_MASK_BUTTON_RELEASE) != 0;
+        popups_[window] = {{geometry->x, geometry->y, geometry->width, geometry->height}, isDeaf};
     }
 }
 

@@ -18,9 +18,18 @@ class PopupWatch {
     PopupWatch(Connection& connection, ProcessID pid, std::function<void()> gone);
 
     [[nodiscard]] bool isOpen() const { return !popups_.empty(); }
-    [[nodiscard]] bool contains(int x, int y) const;
+    [[nodiscard]] bool at(PixelPoint place) const { return find(place) != nullptr; }
+    // Whether the popup at the place listens to core events. While its client holds a core grab on one
+    // pointer, the server keeps the core events of all others from it.
+    [[nodiscard]] bool isDeafAt(PixelPoint place) const;
+    [[nodiscard]] bool hasDeaf() const;
 
   private:
+    struct Popup {
+        PixelRect place;
+        bool isDeaf = false;
+    };
+    [[nodiscard]] const Popup* find(PixelPoint place) const;
     void handle(const xcb_generic_event_t& event);
     void mapped(xcb_window_t window);
     void unmapped(xcb_window_t window);
@@ -28,7 +37,7 @@ class PopupWatch {
     Connection& connection_;
     ProcessID pid_;
     std::function<void()> gone_;
-    std::unordered_map<xcb_window_t, PixelRect> popups_;
+    std::unordered_map<xcb_window_t, Popup> popups_;
     Subscription events_;
 };
 

@@ -19,8 +19,9 @@ constexpr double releaseGrace = 0.1;
 constexpr double popupGrace = 0.15;
 constexpr std::uint8_t leftButton = 1;
 constexpr std::uint8_t rightButton = 3;
-// The Escape key's place on every keyboard: evdev code 1 and the offset of 8.
+// The keys' places on every keyboard: evdev codes 1 and 28 and the offset of 8.
 constexpr xcb_keycode_t escapeKey = 9;
+constexpr xcb_keycode_t returnKey = 36;
 // Window managers use timestamps for theirs.
 constexpr std::uint32_t pingSerials = 0x53000000;
 
@@ -47,8 +48,13 @@ PostingSession::PostingSession(Connection& connection, MainQueue& mainQueue, Sec
                                                   topLevel_ = XCB_WINDOW_NONE;
                                               }
                                           });
-    userWatch_ = std::make_unique<PointerWatch>(
-        connection_, pointer_.pointerDevice(), [this] { userPressed(); }, [this] { userReleased(); });
+    userWatch_ = std::make_unique<PointerWatch>(connection_, pointer_.pointerDevice(),
+                                                PointerWatch::Handlers{.pressed = [this] { userPressed(); },
+                                                                       .released = [this] { userReleased(); },
+                                                                       .moved =
+                                                                           [this] {
+                                                                               userMoved();
+                                                                           }});
     pointer_.becomeClientPointer(client_);
     pointer_.hideCursorOver(client_);
 }
@@ -182,12 +188,23 @@ void PostingSession::press(const PostedInput& input) {
     pointer_.lockModifiers(input.state);
     pointer_.warpUnnoticed(x_, y_);
     pointer_.press(input.button);
-    pointer_.releaseSpare();
     heldButton_ = input.button;
+    spareIsDown_ = true;
     isAway_ = true;
+    if (input.button == rightButton) {
+        // A menu grabs the pointer at the press and would take the spare button's release for a choice.
+        releaseSpare();
+    }
     holes_.close();
     connection_.send<xcb_ungrab_server>();
     connection_.flush();
+}
+
+// After the other button where possible: some terminals take any release for the end of a selection.
+void PostingSession::releaseSpare() {
+    if (std::exchange(spareIsDown_, false)) {
+        pointer_.releaseSpare();
+    }
 }
 
 void PostingSession::release(const PostedInput& input) {
@@ -195,8 +212,10 @@ void PostingSession::release(const PostedInput& input) {
         return;
     }
     follow(input);
+    // Menus open where the pointer is, and some close when it leaves.
     const bool mayOpenMenu = heldButton_ == rightButton || popups_.isOpen();
     pointer_.release(std::exchange(heldButton_, std::uint8_t{0}));
+    releaseSpare();
     pointer_.unlockModifiers();
     if (!mayOpenMenu) {
         pointer_.park();
@@ -242,24 +261,53 @@ void PostingSession::wheel(const PostedInput& input) {
 
 // Ends whatever is under way, wherever it got stuck.
 void PostingSession::letGo() {
-    if (heldButton_ != 0 || isAway_) {
+    if (heldButton_ != 0 || spareIsDown_ || isAway_) {
         pointer_.releaseAllButtons();
         pointer_.unlockModifiers();
         pointer_.park();
         heldButton_ = 0;
+        spareIsDown_ = false;
         isAway_ = false;
     }
     connection_.flush();
 }
 
 void PostingSession::userPressed() {
-    if (!popups_.isOpen()) {
+    if (!popups_.isOpen() || heldButton_ != 0) {
         return;
     }
-    auto pointer = connection_.ask<xcb_query_pointer, xcb_query_pointer_reply>(connection_.root());
-    if (pointer && !popups_.contains(pointer->root_x, pointer->root_y)) {
-        closePopups();
+    const auto place = userPointer();
+    if (!place) {
+        return;
     }
+    if (!popups_.at(*place)) {
+        closePopups();
+    } else if (popups_.isDeafAt(*place)) {
+        // Pointing works by proxy, but such toolkits renew their grab at a press and lose the entry by it.
+        leadTo(*place);
+        pointer_.tapKey(returnKey);
+        connection_.flush();
+    }
+}
+
+void PostingSession::userMoved() {
+    if (!popups_.hasDeaf()) {
+        return;
+    }
+    if (const auto place = userPointer(); place && popups_.isDeafAt(*place)) {
+        leadTo(*place);
+        connection_.flush();
+    }
+}
+
+std::optional<PixelPoint> PostingSession::userPointer() {
+    auto pointer = connection_.ask<xcb_query_pointer, xcb_query_pointer_reply>(connection_.root());
+    return pointer ? std::optional(PixelPoint{pointer->root_x, pointer->root_y}) : std::nullopt;
+}
+
+void PostingSession::leadTo(PixelPoint place) {
+    pointer_.warp(place.x, place.y);
+    isAway_ = true;
 }
 
 // A drag that left the overlay, or one whose overlay went away, ends with the user's button.

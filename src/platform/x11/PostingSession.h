@@ -46,8 +46,12 @@ class PostingSession {
     void release(const PostedInput& input);
     void wheel(const PostedInput& input);
     void letGo();
+    void releaseSpare();
     void userPressed();
     void userReleased();
+    void userMoved();
+    [[nodiscard]] std::optional<PixelPoint> userPointer();
+    void leadTo(PixelPoint place);
     void popupsGone();
     void closePopups();
     void scheduleEnd();
@@ -69,6 +73,7 @@ class PostingSession {
     bool isReady_ = false;
     bool dropsUntilRelease_ = false;
     std::uint8_t heldButton_ = 0;
+    bool spareIsDown_ = false;
     bool isAway_ = false; // from the parking place
     int x_ = 0;
     int y_ = 0;
