@@ -8,12 +8,20 @@
 
 #include "platform/x11/Connection.h"
 
+#include <chrono>
+#include <cstdint>
+
 namespace skylet::platform::x11 {
 
-// Releases and closes what was left open; keeps the second pointer for the next use. Two round trips.
-void repairPosting(Connection& connection);
+// Toolkits that still think a button of a device is down fail when the device goes: it stays as long as this
+// after the repair.
+constexpr std::chrono::milliseconds settlingAfterRepair{100};
 
-// The same, and then removes the second pointer.
+// Releases and closes what was left open. The second pointer that was left behind, which the caller may keep
+// or remove; 0 for none. Two round trips.
+[[nodiscard]] std::uint16_t repairPosting(Connection& connection);
+
+// The same; then waits and removes the second pointer.
 void cleanUpAfterPosting(Connection& connection);
 
 } // namespace skylet::platform::x11

@@ -4,6 +4,7 @@
 #include "platform/x11/Property.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <utility>
 
@@ -14,7 +15,16 @@ X11EventPoster::X11EventPoster(Connection& connection, const ModifierMap& modifi
     , modifiers_(modifiers)
     , mainQueue_(mainQueue)
     , sendEvent_(connection) {
-    repairPosting(connection_);
+    if (const std::uint16_t left = repairPosting(connection_); left != 0) {
+        const double settling = std::chrono::duration<double>(settlingAfterRepair).count();
+        mainQueue_.after(settling, [this, left, alive = std::weak_ptr(alive_)] {
+            // A pointer that is in use by now was adopted.
+            if (!alive.expired() && !pointer_) {
+                SecondPointer::remove(connection_, left);
+                connection_.flush();
+            }
+        });
+    }
 }
 
 X11EventPoster::~X11EventPoster() {

@@ -43,6 +43,7 @@ class X11EventPoster : public EventPoster {
     bool sentPress_ = false; // the press under way went out as a sent event
     std::unique_ptr<PostingSession> session_;
     SendEventRoute sendEvent_;
+    std::shared_ptr<int> alive_ = std::make_shared<int>(0);
 };
 
 } // namespace skylet::platform::x11

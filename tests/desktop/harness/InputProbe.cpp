@@ -45,6 +45,18 @@ ProbeWords wordsOf(Toolkit toolkit) {
                 .item = "item",
                 .rightOpensMenu = true,
                 .leftOpensMenu = true};
+    case Toolkit::office:
+        return {.down = "down1",
+                .up = "up1",
+                .doubleClick = "double1",
+                .controlDown = "down1+control",
+                .motion = "",
+                .selection = "selected ",
+                .wheel = "scrolled",
+                .rightDown = "down3",
+                .rightUp = "",
+                .item = "",
+                .rightOpensMenu = true};
     default:
         return {.down = "down1",
                 .up = "up1",
@@ -93,6 +105,8 @@ Command commandOf(Toolkit toolkit, const VirtualDesktop& desktop) {
                 "--window-position=100,90",
                 "--window-size=640,480",
                 "--app=file://" + page};
+    case Toolkit::office:
+        return {"/usr/bin/python3", SKYLET_APPS_FOLDER "/input_office.py", desktop.path("office")};
     case Toolkit::firefox:
         return {"firefox-esr", "--new-instance", "--profile", desktop.path("firefox"), "--width",
                 "640",         "--height",       "480",       "file://" + page};
@@ -130,8 +144,8 @@ int occurrences(const std::string& text, const std::string& word) {
 } // namespace
 
 std::string nameOf(Toolkit toolkit) {
-    constexpr const char* names[] = {"raw", "xterm", "tk",       "gtk3",   "gtk4",
-                                     "qt5", "qt6",   "chromium", "firefox"};
+    constexpr const char* names[] = {"raw", "xterm", "tk",       "gtk3",    "gtk4",
+                                     "qt5", "qt6",   "chromium", "firefox", "office"};
     return names[static_cast<std::size_t>(toolkit)];
 }
 

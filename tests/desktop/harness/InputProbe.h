@@ -9,7 +9,7 @@
 
 namespace skylet::desktop {
 
-enum class Toolkit { raw, xterm, tk, gtk3, gtk4, qt5, qt6, chromium, firefox };
+enum class Toolkit { raw, xterm, tk, gtk3, gtk4, qt5, qt6, chromium, firefox, office };
 
 [[nodiscard]] std::string nameOf(Toolkit toolkit);
 
