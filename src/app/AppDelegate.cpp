@@ -4,6 +4,8 @@
 #include "foundation/PreferenceKeys.h"
 #include "foundation/Product.h"
 #include "foundation/Text.h"
+#include "input/EventForwarder.h"
+#include "overlay/WindowOverlay.h"
 #include "windows/WindowDetector.h"
 
 #include <string>
@@ -18,11 +20,11 @@ constexpr double foreignWindowDelay = 0.1;
 
 } // namespace
 
-AppDelegate::AppDelegate(const OverlayEnvironment& environment, OverlayInputRoutes routes,
+AppDelegate::AppDelegate(const OverlayEnvironment& environment, AXScroller& scroller,
                          platform::EventTap& eventTap, platform::EventPoster& eventPoster,
                          AppCallbacks callbacks)
     : environment_(environment)
-    , routes_(std::move(routes))
+    , routes_(makeInputRoutes(scroller))
     , callbacks_(std::move(callbacks))
     , eventTap_(eventTap)
     , eventPoster_(eventPoster)
@@ -31,6 +33,27 @@ AppDelegate::AppDelegate(const OverlayEnvironment& environment, OverlayInputRout
           {eventTap, environment.accessibility, environment.defaults, environment.mainQueue, environment.log},
           callbacks_, [this] { togglePinFrontmostWindow(); })
     , statusItemVisibility_(environment.defaults, bundleIdentifier) {}
+
+OverlayInputRoutes AppDelegate::makeInputRoutes(AXScroller& scroller) {
+    OverlayInputRoutes routes;
+    routes.forward = [this](const platform::InputEvent& event, const WindowOverlay& overlay) {
+        EventForwarder::forward(environment_.windowServer, eventPoster_, event,
+                                {.windowID = overlay.targetWindowID(),
+                                 .pid = overlay.targetPID(),
+                                 .size = overlay.frame().size()});
+    };
+    routes.axScroll = [&scroller](platform::ProcessID pid, platform::WindowID windowID, double deltaY,
+                                  platform::Point point) {
+        scroller.scroll(pid, windowID, deltaY, point);
+    };
+    routes.axForget = [&scroller](platform::WindowID windowID) {
+        scroller.forget(windowID);
+    };
+    routes.probe = [&scroller](platform::ProcessID pid, platform::WindowID windowID) {
+        scroller.probe(pid, windowID);
+    };
+    return routes;
+}
 
 void AppDelegate::applicationDidFinishLaunching() {
     promptForAccessibilityOnce();

@@ -7,6 +7,7 @@
 #include "app/GlobalHotkey.h"
 #include "app/ZentroStatusItemVisibility.h"
 #include "foundation/Lifetime.h"
+#include "input/AXScroller.h"
 #include "overlay/OverlayEnvironment.h"
 #include "pinning/PinnedWindowTracker.h"
 #include "platform/EventPoster.h"
@@ -22,8 +23,8 @@ class AppDelegate {
   public:
     // The interfaces must outlive the controller. Nothing is observed before the launch but what the tracker
     // does.
-    AppDelegate(const OverlayEnvironment& environment, OverlayInputRoutes routes,
-                platform::EventTap& eventTap, platform::EventPoster& eventPoster, AppCallbacks callbacks);
+    AppDelegate(const OverlayEnvironment& environment, AXScroller& scroller, platform::EventTap& eventTap,
+                platform::EventPoster& eventPoster, AppCallbacks callbacks);
 
     void applicationDidFinishLaunching();
     void applicationWillTerminate();
@@ -45,6 +46,7 @@ class AppDelegate {
     [[nodiscard]] const std::optional<ForeignWindow>& lastForeignWindow() const { return lastForeignWindow_; }
 
   private:
+    [[nodiscard]] OverlayInputRoutes makeInputRoutes(AXScroller& scroller);
     void logPermissions();
     void promptForAccessibilityOnce();
     void observeForeignWindows();

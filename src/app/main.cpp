@@ -14,8 +14,10 @@
 #include "platform/qt/SingleInstance.h"
 #include "platform/qt/TerminationSignals.h"
 #include "platform/x11/InstanceSelection.h"
+#include "platform/x11/RepairChild.h"
 #include "platform/x11/ServerCheck.h"
 #include "platform/x11/X11Desktop.h"
+#include "platform/x11/X11WorkerDesktop.h"
 
 #include <QApplication>
 
@@ -23,6 +25,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -115,6 +118,19 @@ int run(QApplication& application, qt::QtMessages& messages) {
     qt::AccessibilityTrust trust(sessionBus);
     qt::SessionLock sessionLock(sessionBus, qt::systemBus());
     x11::X11Desktop desktop(connection, {mainQueue, queues, trust, sessionLock});
+    const auto scrolling = x11::X11WorkerDesktop::open({}, mainQueue, sessionBus);
+    if (!scrolling.desktop) {
+        tellUser(scrolling.failure);
+        isServerNeeded = false;
+        return EXIT_FAILURE;
+    }
+    skylet::AXScroller scroller({.accessibility = scrolling.desktop->accessibility(),
+                                 .windowServer = scrolling.desktop->windowServer(),
+                                 .workspace = desktop.workspace(),
+                                 .defaults = defaults,
+                                 .mainQueue = mainQueue,
+                                 .queues = queues,
+                                 .log = log});
     skylet::AppDelegate delegate({.windowServer = desktop.windowServer(),
                                   .accessibility = desktop.accessibility(),
                                   .screenCapture = desktop.screenCapture(),
@@ -124,7 +140,7 @@ int run(QApplication& application, qt::QtMessages& messages) {
                                   .defaults = defaults,
                                   .mainQueue = mainQueue,
                                   .log = log},
-                                 {}, desktop.eventTap(), desktop.eventPoster(), makeCallbacks());
+                                 scroller, desktop.eventTap(), desktop.eventPoster(), makeCallbacks());
     reopened = [&delegate] {
         delegate.applicationShouldHandleReopen();
     };
@@ -148,6 +164,7 @@ int main(int argc, char** argv) {
         tellUser(*problem);
         return EXIT_FAILURE;
     }
+    const x11::RepairChild repair;
     std::atexit(tellServerIsGone);
     qt::QtMessages messages;
     auto arguments = qtArguments(argc, argv);

@@ -23,6 +23,12 @@ constexpr std::string_view forwardEvents = "forwardEvents";
 // bool, false: whether new overlays show on every desktop.
 constexpr std::string_view pinToAllSpaces = "pinToAllSpaces";
 
+// bool, false: whether new overlays test their window's accessibility scrolling. Set by the user outside the
+// program, as is the next.
+constexpr std::string_view axScrollProbe = "axScrollProbe";
+// double: how far one unit of a scroll event moves a scroll bar of range 1; 0.0015 unless greater than 0.
+constexpr std::string_view axScrollSensitivity = "axScrollSensitivity";
+
 // Legacy, any type: removed once, see LegacyPreferences.h.
 constexpr std::string_view menuBarPillColor = "menuBarPillColor";
 // bool, false: whether the legacy key was removed.

@@ -42,10 +42,10 @@ constexpr std::uint64_t shortcutMask = 0x1E0000;
 
 struct InputEvent {
     EventType type = EventType::mouseMoved;
-    Point locationInWindow; // bottom-left origin of the panel, points
+    Point locationInWindow{}; // bottom-left origin of the panel, points
     // The same place in screen coordinates. The adapter gives it because converting `locationInWindow`
     // through the panel's current frame would be wrong while a frame change is under way.
-    Point locationOnScreen;
+    Point locationOnScreen{};
     std::uint64_t modifierFlags = 0;
     int clickCount = 0;   // presses and releases; 0 for drags
     double pressure = 0;  // 0 to 1

@@ -31,7 +31,7 @@ class AppDelegateTest : public testing::Test {
     }
     std::unique_ptr<AppDelegate> make() {
         return std::make_unique<AppDelegate>(
-            desktop.environment, OverlayInputRoutes{}, desktop.eventTap, desktop.eventPoster,
+            desktop.environment, desktop.scroller, desktop.eventTap, desktop.eventPoster,
             AppCallbacks{.reportToUser = {}, .fatal = {}, .terminate = [this] {
                              ++terminations;
                          }});
@@ -165,7 +165,7 @@ TEST_F(AppDelegateTest, ShutdownEndsTheRetryTheTapTheObserverAndThePins) {
 
     sim::SimulatedDesktop waiting;
     waiting.eventTap.canCreate = false;
-    AppDelegate other(waiting.environment, {}, waiting.eventTap, waiting.eventPoster, {});
+    AppDelegate other(waiting.environment, waiting.scroller, waiting.eventTap, waiting.eventPoster, {});
     other.applicationDidFinishLaunching();
     other.applicationWillTerminate();
     waiting.advance(10);

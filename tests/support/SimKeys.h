@@ -54,9 +54,18 @@ class SimEventTap final : public platform::EventTap {
 
 class SimEventPoster final : public platform::EventPoster {
   public:
+    struct Posted {
+        platform::SyntheticEvent event;
+        platform::ProcessID pid;
+    };
     bool permitted = true;
+    std::vector<Posted> posted;
 
+    void postToPid(const platform::SyntheticEvent& event, platform::ProcessID pid) override {
+        posted.push_back({event, pid});
+    }
     [[nodiscard]] bool preflightPostAccess() override { return permitted; }
+    bool requestPostAccess() override { return permitted; }
 };
 
 } // namespace skylet::sim

@@ -80,7 +80,7 @@ void SimSerialQueue::runNext(Items& items) {
 }
 
 std::unique_ptr<platform::SerialQueue> SimSerialQueueFactory::makeSerialQueue(const std::string& /*label*/) {
-    auto queue = std::make_unique<SimSerialQueue>(nullptr);
+    auto queue = std::make_unique<SimSerialQueue>(runner_);
     last_ = queue.get();
     return queue;
 }

@@ -51,13 +51,16 @@ class SimSerialQueue final : public platform::SerialQueue {
     std::shared_ptr<Items> items_ = std::make_shared<Items>();
 };
 
-// Makes queues that run only when drained; remembers the last one for that.
+// Makes queues that run on the main queue, or without one only when drained; remembers the last one for that.
 class SimSerialQueueFactory final : public platform::SerialQueueFactory {
   public:
+    explicit SimSerialQueueFactory(SimMainQueue* runner = nullptr) : runner_(runner) {}
+
     [[nodiscard]] std::unique_ptr<platform::SerialQueue> makeSerialQueue(const std::string& label) override;
     void drain() const;
 
   private:
+    SimMainQueue* runner_;
     SimSerialQueue* last_ = nullptr;
 };
 

@@ -13,16 +13,55 @@ namespace {
 
 namespace AXError = platform::AXError;
 
+// What calls wait at most where nothing else was said.
+constexpr double defaultTimeout = 6.0;
+
 struct SimElement final : platform::AXElement {
     SimElement(platform::ProcessID owner, WindowID window) : pid(owner), windowID(window) {}
+    SimElement(const SimElement& parent, SimNodeRef content)
+        : pid(parent.pid)
+        , windowID(parent.windowID)
+        , node(std::move(content))
+        , timeout(parent.timeout) {}
     platform::ProcessID pid;
     WindowID windowID; // 0: the application
+    SimNodeRef node;   // null: the window itself
+    double timeout = defaultTimeout;
 };
 
 template <class T>
 AXResult answer(const std::optional<T>& value) {
     return value ? AXResult{.error = AXError::success, .value = *value}
                  : AXResult{.error = AXError::noValue, .value = {}};
+}
+
+AXResult childrenOf(const SimElement& element, const SimNode& node) {
+    std::vector<AXElementRef> children;
+    for (const SimNodeRef& child : node.children) {
+        children.push_back(std::make_shared<SimElement>(element, child));
+    }
+    return {.value = children};
+}
+
+AXResult readNode(const SimElement& element, std::string_view attribute) {
+    const SimNode& node = *element.node;
+    if (attribute == "AXRole") {
+        return {.value = node.role};
+    }
+    if (attribute == "AXChildren") {
+        return childrenOf(element, node);
+    }
+    if (attribute == "AXVerticalScrollBar") {
+        return node.verticalBar == nullptr
+                   ? AXResult{.error = AXError::noValue, .value = {}}
+                   : AXResult{.value = AXElementRef(std::make_shared<SimElement>(element, node.verticalBar))};
+    }
+    return attribute == "AXPosition" ? answer(node.frame ? std::optional(node.frame->origin()) : std::nullopt)
+           : attribute == "AXSize"   ? answer(node.frame ? std::optional(node.frame->size()) : std::nullopt)
+           : attribute == "AXValue"  ? answer(node.value)
+           : attribute == "AXMinValue" ? answer(node.minimum)
+           : attribute == "AXMaxValue" ? answer(node.maximum)
+                                       : AXResult{.error = AXError::attributeUnsupported, .value = {}};
 }
 
 } // namespace
@@ -61,13 +100,14 @@ AXElementRef SimAccessibility::createApplication(platform::ProcessID pid) {
 
 AXResult SimAccessibility::copyAttributeValue(const AXElementRef& element, std::string_view attribute) {
     const auto& target = dynamic_cast<const SimElement&>(*element);
-    if (!trusted) {
-        return {.error = AXError::apiDisabled, .value = {}};
+    if (const int error = reach(target); error != AXError::success) {
+        return {.error = error, .value = {}};
+    }
+    if (target.node != nullptr) {
+        ++target.node->reads;
+        return readNode(target, attribute);
     }
     const auto application = world_.applications.find(target.pid);
-    if (application == world_.applications.end()) {
-        return {.error = AXError::invalidUIElement, .value = {}};
-    }
     if (attribute == "AXFocusedWindow") {
         const WindowID focused = application->second.focusedWindow;
         return focused == 0
@@ -91,19 +131,61 @@ AXResult SimAccessibility::copyAttributeValue(const AXElementRef& element, std::
     if (attribute == "AXTitle") {
         return answer(window->axTitle);
     }
+    if (attribute == "AXChildren") {
+        return childrenOf(target, *window->content);
+    }
     return attribute == "AXPosition" ? answer(window->axPosition)
            : attribute == "AXSize"   ? answer(window->axSize)
                                      : AXResult{.error = AXError::attributeUnsupported, .value = {}};
 }
 
-int SimAccessibility::setAttributeValue(const AXElementRef& /*element*/, std::string_view /*attribute*/,
-                                        double /*value*/) {
-    return AXError::attributeUnsupported;
+int SimAccessibility::reach(const platform::AXElement& element) {
+    const auto& target = dynamic_cast<const SimElement&>(element);
+    if (!trusted) {
+        return AXError::apiDisabled;
+    }
+    const auto application = world_.applications.find(target.pid);
+    if (application == world_.applications.end()) {
+        return AXError::invalidUIElement;
+    }
+    const double seconds = application->second.isHung ? target.timeout
+                           : target.node == nullptr   ? 0.0
+                                                      : target.node->answerSeconds;
+    waited += std::min(seconds, target.timeout);
+    return seconds < target.timeout ? AXError::success : AXError::cannotComplete;
 }
 
-std::pair<int, bool> SimAccessibility::isAttributeSettable(const AXElementRef& /*element*/,
-                                                           std::string_view /*attribute*/) {
-    return {AXError::attributeUnsupported, false};
+int SimAccessibility::setAttributeValue(const AXElementRef& element, std::string_view attribute,
+                                        double value) {
+    const auto& target = dynamic_cast<const SimElement&>(*element);
+    if (const int error = reach(target); error != AXError::success) {
+        return error;
+    }
+    if (target.node == nullptr || attribute != "AXValue") {
+        return AXError::attributeUnsupported;
+    }
+    SimNode& node = *target.node;
+    if (node.setError == AXError::success) {
+        ++node.writes;
+        node.value = node.ignoresWrites ? node.value : value;
+    }
+    return node.setError;
+}
+
+std::pair<int, bool> SimAccessibility::isAttributeSettable(const AXElementRef& element,
+                                                           std::string_view attribute) {
+    const auto& target = dynamic_cast<const SimElement&>(*element);
+    if (const int error = reach(target); error != AXError::success) {
+        return {error, false};
+    }
+    if (target.node == nullptr || attribute != "AXValue") {
+        return {AXError::attributeUnsupported, false};
+    }
+    return {target.node->settableError, target.node->isSettable};
+}
+
+void SimAccessibility::setMessagingTimeout(const AXElementRef& element, double seconds) {
+    dynamic_cast<SimElement&>(*element).timeout = seconds;
 }
 
 int SimAccessibility::performAction(const AXElementRef& element, std::string_view action) {

@@ -6,6 +6,7 @@
 #include "platform/Screens.h"
 #include "platform/WindowServer.h"
 #include "platform/Workspace.h"
+#include "support/SimContent.h"
 #include "support/SimQueues.h"
 
 #include <list>
@@ -23,11 +24,13 @@ struct SimWindow {
     std::optional<std::string> axTitle;
     std::optional<platform::Point> axPosition;
     std::optional<platform::Size> axSize;
+    SimNodeRef content = std::make_shared<SimNode>(); // its children are the window's
 };
 
 struct SimApplication {
     std::optional<std::string> name;
     platform::WindowID focusedWindow = 0;
+    bool isHung = false; // answers nothing
 };
 
 struct SimWorld {
@@ -62,6 +65,7 @@ class SimAccessibility final : public platform::Accessibility {
     std::function<void()> onPrompt = [] {
     };
     std::vector<platform::WindowID> raised;
+    double waited = 0; // for other applications, in seconds
 
     [[nodiscard]] bool isProcessTrusted() override { return trusted; }
     bool isProcessTrustedWithPrompt() override;
@@ -73,9 +77,13 @@ class SimAccessibility final : public platform::Accessibility {
     [[nodiscard]] std::pair<int, bool> isAttributeSettable(const platform::AXElementRef& element,
                                                            std::string_view attribute) override;
     int performAction(const platform::AXElementRef& element, std::string_view action) override;
-    void setMessagingTimeout(const platform::AXElementRef& /*element*/, double /*seconds*/) override {}
+    // Holds for everything reached through the element, too.
+    void setMessagingTimeout(const platform::AXElementRef& element, double seconds) override;
 
   private:
+    // The error that a call to the element's application ends with before it is looked at.
+    [[nodiscard]] int reach(const platform::AXElement& element);
+
     SimWorld& world_;
 };
 

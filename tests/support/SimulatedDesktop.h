@@ -4,6 +4,7 @@
 #pragma once
 
 #include "foundation/DiagnosticsLog.h"
+#include "input/AXScroller.h"
 #include "overlay/OverlayEnvironment.h"
 #include "support/SimCapture.h"
 #include "support/SimDefaults.h"
@@ -47,6 +48,7 @@ class SimulatedDesktop {
 
   private:
     SimSerialQueueFactory logQueues_;
+    SimSerialQueueFactory scrollQueues_{&mainQueue};
     QTemporaryDir directory_;
 
   public:
@@ -64,6 +66,7 @@ class SimulatedDesktop {
     DiagnosticsLog log;
     OverlayEnvironment environment{windowServer, accessibility, capture,   panels, workspace,
                                    screens,      defaults,      mainQueue, log};
+    AXScroller scroller{{accessibility, windowServer, workspace, defaults, mainQueue, scrollQueues_, log}};
 };
 
 } // namespace skylet::sim

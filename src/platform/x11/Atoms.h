@@ -37,6 +37,8 @@ namespace skylet::platform::x11 {
     X(GTK_APPLICATION_ID, "_GTK_APPLICATION_ID")                                                             \
     X(GTK_FRAME_EXTENTS, "_GTK_FRAME_EXTENTS")                                                               \
     X(MANAGER, "MANAGER")                                                                                    \
+    X(NET_WM_PING, "_NET_WM_PING")                                                                           \
+    X(SKYLET_HOLES, "_SKYLET_HOLES")                                                                         \
     X(SKYLET_TIME, "_SKYLET_TIME")
 
 struct Atoms {

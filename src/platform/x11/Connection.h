@@ -4,8 +4,9 @@
 // foreign resources is sent with `sendTolerant`, because the window behind it can vanish at any moment and an
 // error about that is an answer; an error of any other request is a defect and is reported to the error sink.
 //
-// Threads: main thread only. Failure: `open` answers nothing, with the reason; a connection that breaks later
-// calls the closed handler once and does nothing from then on.
+// Threads: main thread only; one that no event loop watches, the one thread that uses it. Failure: `open`
+// answers nothing, with the reason; a connection that breaks later calls the closed handler once and does
+// nothing from then on.
 #pragma once
 
 #include "platform/Subscription.h"
@@ -38,6 +39,7 @@ struct Extensions {
     std::uint8_t xfixesError = 0;
     std::uint8_t randrEvent = 0;
     std::uint8_t shapeEvent = 0;
+    std::uint8_t xinputEvent = 0;
     std::uint8_t xinputOpcode = 0;
     bool resource = false; // X-Resource 1.2: client pids
     bool randr = false;    // RandR 1.5: monitors
@@ -54,8 +56,10 @@ class Connection {
         std::unique_ptr<Connection> connection; // null on failure
         std::string failure;                    // one English line
     };
+    // Whether the event loop calls `dispatch`, or whoever uses the connection.
+    enum class Events { byLoop, byHand };
     // Connects to `display` (empty: the environment's) and checks for the extensions that capture needs.
-    [[nodiscard]] static Opened open(const std::string& display);
+    [[nodiscard]] static Opened open(const std::string& display, Events events = Events::byLoop);
 
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
@@ -70,6 +74,7 @@ class Connection {
     [[nodiscard]] const Atoms& atoms() const { return atoms_; }
     [[nodiscard]] const Extensions& extensions() const { return extensions_; }
     [[nodiscard]] bool isOpen() const { return open_; }
+    [[nodiscard]] bool isWatched() const { return events_ == Events::byLoop; }
     // Waits so far, for those who must not add to them.
     [[nodiscard]] std::uint64_t roundTrips() const { return roundTrips_.count; }
     [[nodiscard]] std::uint32_t generateId() const { return xcb_generate_id(raw()); }
@@ -153,6 +158,7 @@ class Connection {
     xcb_atom_t compositorSelection_ = XCB_ATOM_NONE;
     Atoms atoms_;
     Extensions extensions_;
+    Events events_ = Events::byLoop;
     bool open_ = true;
     RoundTrips roundTrips_;
     xcb_window_t helper_ = XCB_WINDOW_NONE; // never mapped; carries the time property

@@ -17,7 +17,7 @@
 
 namespace skylet::platform::x11 {
 
-Connection::Opened Connection::open(const std::string& display) {
+Connection::Opened Connection::open(const std::string& display, Events events) {
     int screenNumber = 0;
     RawConnection raw(xcb_connect(display.empty() ? nullptr : display.c_str(), &screenNumber));
     if (xcb_connection_has_error(raw.get())) {
@@ -36,7 +36,10 @@ Connection::Opened Connection::open(const std::string& display) {
         std::uint8_t{0}, static_cast<std::uint16_t>(selection.size()), selection.c_str());
     connection->atoms_ = internAtoms(connection->raw());
     connection->compositorSelection_ = compositor ? compositor->atom : xcb_atom_t{XCB_ATOM_NONE};
-    connection->watchSocket();
+    connection->events_ = events;
+    if (events == Events::byLoop) {
+        connection->watchSocket();
+    }
     return {std::move(connection), {}};
 }
 
@@ -87,6 +90,7 @@ std::string Connection::queryExtensions() {
     }
     extensions_.xtest = present(need(xcb_test_id));
     if (const auto* data = need(xcb_input_id); present(data)) {
+        extensions_.xinputEvent = data->first_event;
         extensions_.xinputOpcode = data->major_opcode;
         xinput = ask<xcb_input_xi_query_version, xcb_input_xi_query_version_reply>(std::uint16_t{2},
                                                                                    std::uint16_t{2});

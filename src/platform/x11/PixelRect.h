@@ -12,6 +12,11 @@
 
 namespace skylet::platform::x11 {
 
+struct PixelPoint {
+    int x = 0;
+    int y = 0;
+};
+
 struct PixelRect {
     int x = 0;
     int y = 0;

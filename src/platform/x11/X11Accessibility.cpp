@@ -5,25 +5,13 @@
 #include "platform/x11/ClientPid.h"
 #include "platform/x11/ProcessWatcher.h"
 #include "platform/x11/WindowActivation.h"
+#include "platform/x11/X11Elements.h"
 
 #include <utility>
 
 namespace skylet::platform::x11 {
 
 namespace {
-
-class WindowElement : public AXElement {
-  public:
-    WindowElement(ProcessID ownerPID, xcb_window_t clientWindow) : pid(ownerPID), window(clientWindow) {}
-    const ProcessID pid;
-    const xcb_window_t window;
-};
-
-class ApplicationElement : public AXElement {
-  public:
-    explicit ApplicationElement(ProcessID processIdentifier) : pid(processIdentifier) {}
-    const ProcessID pid;
-};
 
 AXResult failed(int error) {
     return {error, {}};
@@ -67,9 +55,11 @@ AXResult X11Accessibility::copyAttributeValue(const AXElementRef& element, std::
 }
 
 // Waiting for a reply on another thread may take events off the socket, and the main loop would not wake up
-// for them.
+// for them. Where no loop waits for them at all they must not pile up.
 void X11Accessibility::passOnEvents() {
-    if (std::this_thread::get_id() != mainThread_) {
+    if (!connection_.isWatched()) {
+        connection_.dispatch();
+    } else if (std::this_thread::get_id() != mainThread_) {
         mainQueue_.async([this] { connection_.dispatch(); });
     }
 }

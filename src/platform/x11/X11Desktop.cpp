@@ -18,7 +18,7 @@ X11Desktop::X11Desktop(Connection& connection, const Services& services)
     , workspace_(connection, services.mainQueue, services.queues, raised_)
     , screens_(connection, layout_)
     , eventTap_(connection)
-    , eventPoster_(connection) {
+    , eventPoster_(connection, modifiers_, services.mainQueue) {
     const auto passLock = [this] {
         panelStack_.setSessionLocked(sessionLock_.isLocked());
     };

@@ -1,5 +1,6 @@
 #include "Process.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
@@ -181,7 +182,8 @@ std::optional<std::string> Process::readLine(std::chrono::milliseconds deadline)
         const auto left =
             std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
         pollfd poll{output_, POLLIN, 0};
-        if (left.count() <= 0 || ::poll(&poll, 1, static_cast<int>(left.count())) <= 0) {
+        // What is there already is read also without any time left.
+        if (::poll(&poll, 1, static_cast<int>(std::max(left.count(), decltype(left.count()){0}))) <= 0) {
             return std::nullopt;
         }
         char buffer[4096];

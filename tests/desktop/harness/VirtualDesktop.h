@@ -31,6 +31,8 @@ class VirtualDesktop {
     [[nodiscard]] const std::string& problem() const { return problem_; }
     [[nodiscard]] XSession& x() { return *session_; }
     [[nodiscard]] const Environment& environment() const { return environment_; }
+    // For everything that is started from now on.
+    void setEnvironment(const std::string& name, const std::string& value) { environment_[name] = value; }
     // A path below the folder that goes with the desktop.
     [[nodiscard]] std::string path(const std::string& name) const { return folder_ + "/" + name; }
     [[nodiscard]] std::string configPath(const std::string& name) const { return path("config/" + name); }

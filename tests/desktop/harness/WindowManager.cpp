@@ -10,10 +10,14 @@ std::string nameOf(WindowManagerKind kind) {
         return "openbox";
     case WindowManagerKind::openboxPicom:
         return "openbox_picom";
+    case WindowManagerKind::openboxFollowing:
+        return "openbox_following";
     case WindowManagerKind::xfwm4:
         return "xfwm4";
     case WindowManagerKind::xfwm4Compositing:
         return "xfwm4_compositing";
+    case WindowManagerKind::xfwm4Following:
+        return "xfwm4_following";
     case WindowManagerKind::metacity:
         return "metacity";
     case WindowManagerKind::mutter:
@@ -36,10 +40,19 @@ WindowManager describe(WindowManagerKind kind, const std::string& configFolder) 
         return {.command = {"openbox", "--sm-disable"}};
     case WindowManagerKind::openboxPicom:
         return {.command = {"openbox", "--sm-disable"}, .withPicom = true};
+    case WindowManagerKind::openboxFollowing:
+        writeFile(configFolder + "/following.xml",
+                  "<openbox_config xmlns=\"http://openbox.org/3.4/rc\"><focus><focusNew>yes</focusNew>"
+                  "<followMouse>yes</followMouse></focus></openbox_config>\n");
+        return {.command = {"openbox", "--sm-disable", "--config-file", configFolder + "/following.xml"}};
     case WindowManagerKind::xfwm4:
         return {.command = {"xfwm4", "--compositor=off"}};
     case WindowManagerKind::xfwm4Compositing:
         return {.command = {"xfwm4", "--compositor=on", "--vblank=off"}, .compositing = true};
+    case WindowManagerKind::xfwm4Following:
+        return {.command = {"sh", "-c",
+                            "xfconf-query -c xfwm4 -p /general/click_to_focus -n -t bool -s false && "
+                            "exec xfwm4 --compositor=off"}};
     case WindowManagerKind::metacity:
         return {.command = {"metacity", "--sm-disable", "--no-composite"}};
     case WindowManagerKind::mutter:

@@ -10,9 +10,11 @@ namespace skylet::desktop {
 enum class WindowManagerKind {
     none,
     openbox,
-    openboxPicom, // with a compositor beside it
+    openboxPicom,     // with a compositor beside it
+    openboxFollowing, // the focus follows the mouse
     xfwm4,
     xfwm4Compositing,
+    xfwm4Following,
     metacity,
     mutter,
     kwin,

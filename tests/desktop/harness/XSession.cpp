@@ -193,6 +193,18 @@ bool XSession::isInputOnly(Window window) const {
     return reply && reply->_class == XCB_WINDOW_CLASS_INPUT_ONLY;
 }
 
+bool XSession::isInputShaped(Window window) const {
+    const auto place = geometry(window);
+    const auto reply = own(xcb_shape_get_rectangles_reply(
+        connection(), xcb_shape_get_rectangles(connection(), window, XCB_SHAPE_SK_INPUT), nullptr));
+    if (!place || !reply) {
+        return false;
+    }
+    const xcb_rectangle_t* parts = xcb_shape_get_rectangles_rectangles(reply.get());
+    const int count = xcb_shape_get_rectangles_rectangles_length(reply.get());
+    return count != 1 || parts->width < place->width || parts->height < place->height;
+}
+
 std::vector<Rectangle> XSession::boundingShape(Window window) const {
     const auto reply = own(xcb_shape_get_rectangles_reply(
         connection(), xcb_shape_get_rectangles(connection(), window, XCB_SHAPE_SK_BOUNDING), nullptr));
@@ -229,6 +241,12 @@ Window XSession::inputFocus() const {
     const auto reply =
         own(xcb_get_input_focus_reply(connection(), xcb_get_input_focus(connection()), nullptr));
     return reply ? reply->focus : XCB_NONE;
+}
+
+Window XSession::selectionOwner(const std::string& selection) const {
+    const auto reply = own(xcb_get_selection_owner_reply(
+        connection(), xcb_get_selection_owner(connection(), atom(selection)), nullptr));
+    return reply ? reply->owner : XCB_NONE;
 }
 
 bool XSession::hasWindowManager() const {

@@ -65,11 +65,13 @@ class XSession {
     [[nodiscard]] bool isViewable(Window window) const;
     [[nodiscard]] bool isOverrideRedirect(Window window) const;
     [[nodiscard]] bool isInputOnly(Window window) const;
+    [[nodiscard]] bool isInputShaped(Window window) const;
     [[nodiscard]] std::vector<Rectangle> boundingShape(Window window) const;
     // The child of the root that holds the window.
     [[nodiscard]] Window topLevelOf(Window window) const;
     [[nodiscard]] Window activeWindow() const;
     [[nodiscard]] Window inputFocus() const;
+    [[nodiscard]] Window selectionOwner(const std::string& selection) const;
     [[nodiscard]] bool hasWindowManager() const;
     [[nodiscard]] bool hasCompositor() const;
     // Announced or not, a window manager may lose the windows that come in its first moments: whether it
@@ -102,6 +104,8 @@ class XSession {
     void drag(int fromX, int fromY, int toX, int toY) const;
     [[nodiscard]] std::pair<int, int> pointer() const;
     [[nodiscard]] xcb_keycode_t keycode(xcb_keysym_t key) const;
+    // The names of the pointers that move a cursor.
+    [[nodiscard]] std::vector<std::string> masterPointers() const;
 
     // Resources that a process holds in the server, all kinds together, and by kind.
     [[nodiscard]] std::map<std::string, int> resourcesOf(pid_t pid) const;

@@ -1,5 +1,6 @@
 #include "XSession.h"
 
+#include <xcb/xinput.h>
 #include <xcb/xtest.h>
 
 #include <algorithm>
@@ -101,6 +102,23 @@ std::pair<int, int> XSession::pointer() const {
     const auto reply =
         own(xcb_query_pointer_reply(connection(), xcb_query_pointer(connection(), root_), nullptr));
     return reply ? std::pair<int, int>{reply->root_x, reply->root_y} : std::pair{-1, -1};
+}
+
+std::vector<std::string> XSession::masterPointers() const {
+    std::vector<std::string> names;
+    const auto reply = own(xcb_input_xi_query_device_reply(
+        connection(), xcb_input_xi_query_device(connection(), XCB_INPUT_DEVICE_ALL_MASTER), nullptr));
+    if (!reply) {
+        return names;
+    }
+    for (auto it = xcb_input_xi_query_device_infos_iterator(reply.get()); it.rem > 0;
+         xcb_input_xi_device_info_next(&it)) {
+        if (it.data->type == XCB_INPUT_DEVICE_TYPE_MASTER_POINTER) {
+            names.emplace_back(xcb_input_xi_device_info_name(it.data),
+                               static_cast<std::size_t>(xcb_input_xi_device_info_name_length(it.data)));
+        }
+    }
+    return names;
 }
 
 } // namespace skylet::desktop

@@ -1,10 +1,16 @@
 // A client of an X server that does what it is told, one line of standard input at a time, and answers each
 // with one line once the server has carried it out:
-//   window X Y WIDTH HEIGHT [depth=32] [shadow=L,R,T,B] [override] [title=REST OF LINE]   answers the
-//   window's number pattern SEED [WINDOW]            draws the test pattern, in all windows or one property
-//   WINDOW NAME TYPE FORMAT REPEAT HEX   sets a property to the bytes, repeated destroy WINDOW grab KEYCODE
-//   MODIFIERS / ungrab KEYCODE MODIFIERS   answers "ok" or "refused" events                           answers
-//   what came since the last question, or "none"
+//
+//   window X Y WIDTH HEIGHT [depth=32] [shadow=L,R,T,B] [override] [title=REST OF LINE]
+//                                        answers the window's number
+//   pattern SEED [WINDOW]                draws the test pattern, in all windows or one
+//   property WINDOW NAME TYPE FORMAT REPEAT HEX
+//                                        sets a property to the bytes, repeated
+//   destroy WINDOW
+//   grab KEYCODE MODIFIERS               answers "ok" or "refused"
+//   ungrab KEYCODE MODIFIERS
+//   events                               answers what came since the last question, or "none"
+//
 // It ends at the end of its input.
 #include "PuppetWindow.h"
 
@@ -20,6 +26,11 @@
 
 namespace skylet::puppet {
 namespace {
+
+std::string modifiers(unsigned state) {
+    return std::string((state & XCB_MOD_MASK_SHIFT) != 0 ? "+shift" : "") +
+           ((state & XCB_MOD_MASK_CONTROL) != 0 ? "+control" : "");
+}
 
 class Puppet {
   public:
@@ -184,10 +195,13 @@ void Puppet::take(const xcb_generic_event_t& event) {
     case XCB_BUTTON_RELEASE: {
         const auto* button = reinterpret_cast<const xcb_button_press_event_t*>(bytes);
         note(((event.response_type & 0x7F) == XCB_BUTTON_PRESS ? "press" : "release") +
-             std::to_string(button->detail) + "@" + std::to_string(button->event_x) + "," +
-             std::to_string(button->event_y));
+             std::to_string(button->detail) + modifiers(button->state) + "@" +
+             std::to_string(button->event_x) + "," + std::to_string(button->event_y));
         break;
     }
+    case XCB_MOTION_NOTIFY:
+        note("motion");
+        break;
     case XCB_KEY_PRESS:
         note("key" + std::to_string(reinterpret_cast<const xcb_key_press_event_t*>(bytes)->detail));
         break;

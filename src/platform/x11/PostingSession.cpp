@@ -1,0 +1,385 @@
+#include "platform/x11/PostingSession.h"
+
+#include "platform/x11/ClientGeometry.h"
+#include "platform/x11/EventWindow.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace skylet::platform::x11 {
+
+namespace {
+
+// How long after its last event a target is let go of: longer than a double click takes.
+constexpr double idleSeconds = 1.0;
+// The release that the overlay reports comes within this time of the user's own, or not at all.
+constexpr double releaseGrace = 0.1;
+// What a popup needs to notice a click beside it.
+constexpr double popupGrace = 0.15;
+constexpr std::uint8_t leftButton = 1;
+constexpr std::uint8_t rightButton = 3;
+// The keys' places on every keyboard: evdev codes 1 and 28 and the offset of 8.
+constexpr xcb_keycode_t escapeKey = 9;
+constexpr xcb_keycode_t returnKey = 36;
+// Window managers use timestamps for theirs.
+constexpr std::uint32_t pingSerials = 0x53000000;
+
+} // namespace
+
+PostingSession::PostingSession(Connection& connection, MainQueue& mainQueue, SecondPointer& pointer,
+                               xcb_window_t client, ProcessID pid, std::function<void()> over)
+    : connection_(connection)
+    , mainQueue_(mainQueue)
+    , pointer_(pointer)
+    , client_(client)
+    , over_(std::move(over))
+    , formerClientPointer_(clientPointer(connection, client))
+    , holes_(connection)
+    , popups_(connection, pid, [this] { popupsGone(); }) {
+    clientEvents_ = connection_.subscribe(client_, XCB_EVENT_MASK_STRUCTURE_NOTIFY,
+                                          [this](const xcb_generic_event_t& event) {
+                                              const auto type = eventType(event);
+                                              if (type == XCB_DESTROY_NOTIFY || type == XCB_UNMAP_NOTIFY) {
+                                                  isGone_ = type == XCB_DESTROY_NOTIFY;
+                                                  letGo();
+                                                  scheduleEnd();
+                                              } else if (type == XCB_REPARENT_NOTIFY) {
+                                                  topLevel_ = XCB_WINDOW_NONE;
+                                              }
+                                          });
+    userWatch_ = std::make_unique<PointerWatch>(connection_, pointer_.pointerDevice(),
+                                                PointerWatch::Handlers{.pressed = [this] { userPressed(); },
+                                                                       .released = [this] { userReleased(); },
+                                                                       .moved =
+                                                                           [this] {
+                                                                               userMoved();
+                                                                           }});
+    pointer_.becomeClientPointer(client_);
+    pointer_.hideCursorOver(client_);
+}
+
+PostingSession::~PostingSession() {
+    if (popups_.isOpen()) {
+        pointer_.tapKey(escapeKey);
+    }
+    letGo();
+    if (isReady_ && !isGone_) {
+        FocusLead::end(connection_, client_);
+    }
+    if (!isGone_) {
+        pointer_.showCursorOver(client_);
+        if (formerClientPointer_ != 0) {
+            pointer_.giveClientPointer(client_, formerClientPointer_);
+        }
+    }
+    connection_.flush();
+}
+
+void PostingSession::post(PostedInput input) {
+    queue_.push_back(std::move(input));
+    runQueue();
+    scheduleEnd();
+}
+
+void PostingSession::runQueue() {
+    while (!queue_.empty() && !isGone_) {
+        const bool needsLead =
+            queue_.front().kind == PostedInput::Kind::press && !isReady_ && heldButton_ == 0;
+        if (needsLead) {
+            if (!lead_) {
+                const std::uint32_t serial = pingSerials + ++leads_;
+                lead_ = std::make_unique<FocusLead>(connection_, mainQueue_, client_, serial,
+                                                    [this](bool ready) { leadAnswered(ready); });
+            }
+            return;
+        }
+        const PostedInput input = std::move(queue_.front());
+        queue_.pop_front();
+        switch (input.kind) {
+        case PostedInput::Kind::press:
+            press(input);
+            break;
+        case PostedInput::Kind::release:
+            release(input);
+            break;
+        case PostedInput::Kind::motion:
+            if (heldButton_ != 0) {
+                follow(input);
+            }
+            break;
+        case PostedInput::Kind::wheel:
+            wheel(input);
+            break;
+        }
+    }
+    connection_.flush();
+}
+
+void PostingSession::leadAnswered(bool ready) {
+    isReady_ = ready;
+    mainQueue_.async([this, alive = std::weak_ptr(alive_)] {
+        if (!alive.expired()) {
+            lead_.reset();
+            runQueue();
+        }
+    });
+    if (!ready) {
+        // A press that came late would take the focus after all.
+        queue_.clear();
+        dropsUntilRelease_ = true;
+    }
+}
+
+bool PostingSession::findTopLevel() {
+    for (xcb_window_t window = client_; topLevel_ == XCB_WINDOW_NONE;) {
+        auto tree = connection_.ask<xcb_query_tree, xcb_query_tree_reply>(window);
+        if (!tree || tree->parent == XCB_WINDOW_NONE) {
+            return false;
+        }
+        if (tree->parent == connection_.root()) {
+            topLevel_ = window;
+        }
+        window = tree->parent;
+    }
+    return true;
+}
+
+bool PostingSession::aim(const PostedInput& input) {
+    PendingClientGeometry pending(connection_, client_);
+    const auto geometry = pending.read();
+    if (!geometry || !findTopLevel()) {
+        return false;
+    }
+    // A point on the far edge lies just outside of the pixels, and a press on a frame disturbs its manager.
+    const PixelRect client = toPixels(geometry->bounds);
+    x_ = std::clamp(static_cast<int>(std::floor(input.x)), client.x, client.right() - 1);
+    y_ = std::clamp(static_cast<int>(std::floor(input.y)), client.y, client.bottom() - 1);
+    return true;
+}
+
+void PostingSession::follow(const PostedInput& input) {
+    const int x = x_;
+    const int y = y_;
+    // A warp to where the pointer is would be told to the target as a motion.
+    if (aim(input) && (x_ != x || y_ != y)) {
+        pointer_.warp(x_, y_);
+    }
+}
+
+void PostingSession::press(const PostedInput& input) {
+    dropsUntilRelease_ = false;
+    if (popups_.isOpen()) {
+        // As a click beside a menu does: it closes, and the click is spent.
+        closePopups();
+        dropsUntilRelease_ = true;
+        return;
+    }
+    if (heldButton_ != 0 || !aim(input) || !holes_.find(topLevel_, x_, y_)) {
+        dropsUntilRelease_ = heldButton_ == 0;
+        return;
+    }
+    connection_.send<xcb_grab_server>();
+    if (isAway_) {
+        pointer_.park();
+    }
+    pointer_.pressSpare();
+    holes_.cut();
+    pointer_.lockModifiers(input.state);
+    pointer_.warpUnnoticed(x_, y_);
+    pointer_.press(input.button);
+    heldButton_ = input.button;
+    spareIsDown_ = true;
+    isAway_ = true;
+    if (input.button == rightButton) {
+        // A menu grabs the pointer at the press and would take the spare button's release for a choice.
+        releaseSpare();
+    }
+    holes_.close();
+    connection_.send<xcb_ungrab_server>();
+    connection_.flush();
+}
+
+// After the other button where possible: some terminals take any release for the end of a selection.
+void PostingSession::releaseSpare() {
+    if (std::exchange(spareIsDown_, false)) {
+        pointer_.releaseSpare();
+    }
+}
+
+void PostingSession::release(const PostedInput& input) {
+    if (std::exchange(dropsUntilRelease_, false) || heldButton_ != input.button) {
+        return;
+    }
+    follow(input);
+    // Menus open where the pointer is, and some close when it leaves.
+    const bool mayOpenMenu = heldButton_ == rightButton || popups_.isOpen();
+    pointer_.release(std::exchange(heldButton_, std::uint8_t{0}));
+    releaseSpare();
+    pointer_.unlockModifiers();
+    if (!mayOpenMenu) {
+        pointer_.park();
+        isAway_ = false;
+    }
+    connection_.flush();
+}
+
+void PostingSession::wheel(const PostedInput& input) {
+    if (!aim(input)) {
+        return;
+    }
+    const bool inDrag = heldButton_ != 0;
+    if (!inDrag && !holes_.find(topLevel_, x_, y_)) {
+        return;
+    }
+    if (!inDrag) {
+        connection_.send<xcb_grab_server>();
+        if (isAway_) {
+            pointer_.park();
+        }
+        pointer_.pressSpare();
+        holes_.cut();
+        pointer_.lockModifiers(input.state);
+        pointer_.warpUnnoticed(x_, y_);
+    }
+    for (const auto& [button, clicks] : input.wheel) {
+        for (int i = 0; i < clicks; ++i) {
+            pointer_.press(button);
+            pointer_.release(button);
+        }
+    }
+    if (!inDrag) {
+        pointer_.releaseSpare();
+        pointer_.unlockModifiers();
+        pointer_.park();
+        holes_.close();
+        connection_.send<xcb_ungrab_server>();
+        isAway_ = false;
+    }
+    connection_.flush();
+}
+
+// Ends whatever is under way, wherever it got stuck.
+void PostingSession::letGo() {
+    if (heldButton_ != 0 || spareIsDown_ || isAway_) {
+        pointer_.releaseAllButtons();
+        pointer_.unlockModifiers();
+        pointer_.park();
+        heldButton_ = 0;
+        spareIsDown_ = false;
+        isAway_ = false;
+    }
+    connection_.flush();
+}
+
+void PostingSession::userPressed() {
+    if (!popups_.isOpen() || heldButton_ != 0) {
+        return;
+    }
+    const auto place = userPointer();
+    if (!place) {
+        return;
+    }
+    if (!popups_.at(*place)) {
+        closePopups();
+    } else if (popups_.isDeafAt(*place)) {
+        // Pointing works by proxy, but such toolkits renew their grab at a press and lose the entry by it.
+        leadTo(*place);
+        pointer_.tapKey(returnKey);
+        connection_.flush();
+    }
+}
+
+void PostingSession::userMoved() {
+    if (!popups_.hasDeaf()) {
+        return;
+    }
+    if (const auto place = userPointer(); place && popups_.isDeafAt(*place)) {
+        leadTo(*place);
+        connection_.flush();
+    }
+}
+
+std::optional<PixelPoint> PostingSession::userPointer() {
+    auto pointer = connection_.ask<xcb_query_pointer, xcb_query_pointer_reply>(connection_.root());
+    return pointer ? std::optional(PixelPoint{pointer->root_x, pointer->root_y}) : std::nullopt;
+}
+
+void PostingSession::leadTo(PixelPoint place) {
+    pointer_.warp(place.x, place.y);
+    isAway_ = true;
+}
+
+// A drag that left the overlay, or one whose overlay went away, ends with the user's button.
+void PostingSession::userReleased() {
+    if (heldButton_ == 0) {
+        return;
+    }
+    mainQueue_.after(releaseGrace, [this, alive = std::weak_ptr(alive_), held = heldButton_] {
+        if (!alive.expired() && heldButton_ == held) {
+            auto pointer = connection_.ask<xcb_query_pointer, xcb_query_pointer_reply>(connection_.root());
+            constexpr unsigned anyButton = XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3;
+            if (!pointer || (pointer->mask & anyButton) == 0) {
+                letGo();
+                scheduleEnd();
+            }
+        }
+    });
+}
+
+// A click beside the popups is what closes those that hold the pointer, so that nothing else sees it. Others
+// close with the focus, or at least by Escape.
+void PostingSession::closePopups() {
+    if (!popups_.isOpen() || heldButton_ != 0) {
+        return;
+    }
+    pointer_.park();
+    isAway_ = false;
+    pointer_.press(leftButton);
+    pointer_.release(leftButton);
+    connection_.flush();
+    mainQueue_.after(popupGrace, [this, alive = std::weak_ptr(alive_)] {
+        if (!alive.expired() && popups_.isOpen()) {
+            FocusLead::end(connection_, client_);
+            isReady_ = false;
+            pointer_.tapKey(escapeKey);
+            connection_.flush();
+        }
+    });
+}
+
+void PostingSession::popupsGone() {
+    // A popup's grabs may have told the target that it lost the focus.
+    isReady_ = false;
+    if (heldButton_ == 0) {
+        letGo();
+        scheduleEnd();
+    }
+}
+
+void PostingSession::scheduleEnd() {
+    endTime_ = mainQueue_.now() + idleSeconds;
+    if (!std::exchange(endIsScheduled_, true)) {
+        waitForEnd(idleSeconds);
+    }
+}
+
+void PostingSession::waitForEnd(double seconds) {
+    mainQueue_.after(seconds, [this, alive = std::weak_ptr(alive_)] {
+        if (!alive.expired()) {
+            endIfIdle();
+        }
+    });
+}
+
+void PostingSession::endIfIdle() {
+    const double rest = endTime_ - mainQueue_.now();
+    const bool isIdle = rest <= 0 && heldButton_ == 0 && !popups_.isOpen() && !lead_;
+    if (isGone_ || isIdle) {
+        over_();
+    } else {
+        waitForEnd(rest > 0 ? rest : idleSeconds);
+    }
+}
+
+} // namespace skylet::platform::x11

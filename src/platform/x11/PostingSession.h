@@ -1,0 +1,91 @@
+// One target window being used through the second pointer, from its first event until a second after its
+// last.
+//
+// A press goes out as one block: the server is grabbed, the windows above get a hole, the second pointer
+// jumps to the point unnoticed and presses, the holes close. After that the implicit grab of the press
+// carries motion and release to the target. Before a first press the target is made to believe that it has
+// the focus (see FocusLead); one that does not answer gets nothing.
+//
+// Coordinates: root coordinates. Threads: main thread. Failure: events that cannot be posted are dropped;
+// whatever happens to the target, no button stays down and no hole stays open.
+#pragma once
+
+#include "platform/Queues.h"
+#include "platform/x11/FocusLead.h"
+#include "platform/x11/InputHoles.h"
+#include "platform/x11/PointerWatch.h"
+#include "platform/x11/PopupWatch.h"
+#include "platform/x11/PostedInput.h"
+#include "platform/x11/SecondPointer.h"
+
+#include <deque>
+#include <memory>
+#include <optional>
+
+namespace skylet::platform::x11 {
+
+class PostingSession {
+  public:
+    // `over` is called when the session has ended by itself; never inside `post`.
+    PostingSession(Connection& connection, MainQueue& mainQueue, SecondPointer& pointer, xcb_window_t client,
+                   ProcessID pid, std::function<void()> over);
+    PostingSession(const PostingSession&) = delete;
+    PostingSession& operator=(const PostingSession&) = delete;
+    // Leaves nothing behind.
+    ~PostingSession();
+
+    [[nodiscard]] xcb_window_t client() const { return client_; }
+    void post(PostedInput input);
+
+  private:
+    void runQueue();
+    void leadAnswered(bool ready);
+    void press(const PostedInput& input);
+    // The pointer, with its button down, goes to the input's place.
+    void follow(const PostedInput& input);
+    void release(const PostedInput& input);
+    void wheel(const PostedInput& input);
+    void letGo();
+    void releaseSpare();
+    void userPressed();
+    void userReleased();
+    void userMoved();
+    [[nodiscard]] std::optional<PixelPoint> userPointer();
+    void leadTo(PixelPoint place);
+    void popupsGone();
+    void closePopups();
+    void scheduleEnd();
+    void waitForEnd(double seconds);
+    void endIfIdle();
+    // The target's place now and the windows above it; false when it cannot be reached there.
+    [[nodiscard]] bool aim(const PostedInput& input);
+    [[nodiscard]] bool findTopLevel();
+
+    Connection& connection_;
+    MainQueue& mainQueue_;
+    SecondPointer& pointer_;
+    xcb_window_t client_;
+    std::function<void()> over_;
+    xcb_window_t topLevel_ = XCB_WINDOW_NONE; // the root's child that holds the client
+    std::uint16_t formerClientPointer_ = 0;
+    std::deque<PostedInput> queue_;
+    std::unique_ptr<FocusLead> lead_;
+    bool isReady_ = false;
+    bool dropsUntilRelease_ = false;
+    std::uint8_t heldButton_ = 0;
+    bool spareIsDown_ = false;
+    bool isAway_ = false; // from the parking place
+    int x_ = 0;
+    int y_ = 0;
+    InputHoles holes_;
+    PopupWatch popups_;
+    std::unique_ptr<PointerWatch> userWatch_;
+    Subscription clientEvents_;
+    bool isGone_ = false;
+    std::uint32_t leads_ = 0;
+    double endTime_ = 0; // main queue time
+    bool endIsScheduled_ = false;
+    std::shared_ptr<int> alive_ = std::make_shared<int>(0);
+};
+
+} // namespace skylet::platform::x11

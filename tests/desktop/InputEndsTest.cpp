@@ -1,0 +1,240 @@
+// However the use of a window through its overlay ends, nothing of it stays: no pressed button, no second
+// pointer, no hole in a window.
+#include "DesktopTest.h"
+#include "harness/InputProbe.h"
+
+#include <algorithm>
+#include <csignal>
+#include <random>
+
+namespace skylet::desktop {
+namespace {
+
+class InputEndsTest : public DesktopTest {
+  protected:
+    void prepare();
+    void startAndPin(const Preferences& preferences = {});
+    // Presses on the overlay and drags a little; the target has seen it.
+    void beginDrag();
+    [[nodiscard]] std::pair<int, int> spot(int dx, int dy) const {
+        return {overlay_.x + overlay_.width / 2 + dx, overlay_.y + overlay_.height / 2 + dy};
+    }
+    void moveTo(std::pair<int, int> place) { x().movePointer(place.first, place.second); }
+    [[nodiscard]] bool hasSecondPointer() {
+        return std::ranges::any_of(x().masterPointers(),
+                                   [](const std::string& name) { return name.starts_with("Skylet"); });
+    }
+    [[nodiscard]] bool isClean() {
+        const std::vector<Window> windows = x().children(x().root());
+        return !hasSecondPointer() && x().numbers(x().root(), "_SKYLET_HOLES").empty() &&
+               std::ranges::none_of(windows, [&](Window window) {
+                   return x().isViewable(window) && !x().isInputOnly(window) && x().isInputShaped(window);
+               });
+    }
+    // The user's own click reaches the window that is in front.
+    void expectUsable();
+
+    std::unique_ptr<InputProbe> probe_;
+    Window target_ = XCB_NONE;
+    Window cover_ = XCB_NONE;
+    Rectangle overlay_;
+};
+
+void InputEndsTest::prepare() {
+    PREPARE(openDesktop());
+    probe_ = std::make_unique<InputProbe>(desktop(), Toolkit::raw);
+    target_ = probe_->window();
+    ASSERT_NE(target_, Window{XCB_NONE});
+    PREPARE(openPuppet());
+    cover_ = puppet().open("40 30 1000 700 title=cover");
+    ASSERT_NE(cover_, Window{XCB_NONE});
+    x().movePointer(1270, 790);
+}
+
+void InputEndsTest::startAndPin(const Preferences& preferences) {
+    PREPARE(launch(preferences));
+    PREPARE(pinAndCover(target_, cover_));
+    ASSERT_TRUE(eventually([&] { return floatsOver(target_); }));
+    overlay_ = x().geometry(skylet().overlayInFront().value_or(XCB_NONE)).value_or(Rectangle{});
+    probe_->forget();
+}
+
+void InputEndsTest::beginDrag() {
+    moveTo(spot(0, 0));
+    x().button(1, true);
+    ASSERT_TRUE(probe_->says("press1@")) << probe_->said();
+    moveTo(spot(30, 20));
+    ASSERT_TRUE(probe_->says("motion")) << probe_->said();
+}
+
+void InputEndsTest::expectUsable() {
+    (void)puppet().tell("events");
+    x().click(1000, 690);
+    std::string said;
+    EXPECT_TRUE(eventually([&] {
+        said += puppet().tell("events");
+        return said.find("release1@") != std::string::npos;
+    })) << said;
+    x().movePointer(1270, 790);
+}
+
+TEST_F(InputEndsTest, SignalsEndADragCleanly) {
+    PREPARE(prepare());
+    for (const int signal : {SIGTERM, SIGINT, SIGKILL, SIGSEGV}) {
+        SCOPED_TRACE(signal);
+        PREPARE(startAndPin());
+        PREPARE(beginDrag());
+        skylet().process().signal(signal);
+        ASSERT_TRUE(skylet().process().waitForExit().has_value());
+        EXPECT_TRUE(probe_->says("release1@")) << probe_->said();
+        x().button(1, false);
+        EXPECT_TRUE(eventually([&] { return isClean(); }));
+        endSkylet();
+        expectUsable();
+    }
+}
+
+TEST_F(InputEndsTest, ADragEndsWithItsOverlayItsTargetOrOutside) {
+    PREPARE(prepare());
+    PREPARE(startAndPin());
+
+    // It leaves the overlay, where its release is nobody's but the watch's.
+    PREPARE(beginDrag());
+    moveTo({1100, 760});
+    x().button(1, false);
+    EXPECT_TRUE(probe_->says("release1@")) << probe_->said();
+
+    // The overlay is released in the middle.
+    probe_->forget();
+    PREPARE(beginDrag());
+    skylet().pressShortcut();
+    EXPECT_TRUE(eventually([&] { return skylet().overlays().empty(); }));
+    x().button(1, false);
+    EXPECT_TRUE(probe_->says("release1@")) << probe_->said();
+    expectUsable();
+
+    // The overlay steps behind in the middle.
+    PREPARE(pinAndCover(target_, cover_));
+    ASSERT_TRUE(eventually([&] { return floatsOver(target_); }));
+    probe_->forget();
+    PREPARE(beginDrag());
+    PREPARE(bringToFront(target_));
+    EXPECT_TRUE(skylet().waitForLog("overlay: sendBehind wid="));
+    x().button(1, false);
+    EXPECT_TRUE(probe_->says("release1@")) << probe_->said();
+
+    // The target dies in the middle.
+    PREPARE(bringToFront(cover_));
+    ASSERT_TRUE(eventually([&] { return floatsOver(target_); }));
+    probe_->forget();
+    PREPARE(beginDrag());
+    probe_->process().signal(SIGKILL);
+    EXPECT_TRUE(eventually([&] { return skylet().overlays().empty(); }));
+    x().button(1, false);
+    expectUsable();
+    EXPECT_EQ(endSkylet(), 0);
+    EXPECT_TRUE(eventually([&] { return isClean(); }));
+}
+
+TEST_F(InputEndsTest, AFrozenTargetGetsNothingAndTakesNothing) {
+    PREPARE(prepare());
+    PREPARE(startAndPin());
+    // One that answers pings is asked first; this one never does again.
+    probe_->process().signal(SIGSTOP);
+    x().click(spot(0, 0).first, spot(0, 0).second);
+    EXPECT_TRUE(throughout(std::chrono::milliseconds(600), [&] { return x().activeWindow() == cover_; }));
+    expectUsable();
+    probe_->process().signal(SIGCONT);
+    EXPECT_EQ(endSkylet(), 0);
+    EXPECT_TRUE(eventually([&] { return isClean(); }));
+}
+
+TEST_F(InputEndsTest, WhatSwitchesToTheRealWindow) {
+    struct Case {
+        const char* name;
+        Preferences preferences;
+        const char* version;
+        bool withCommand;
+        int button;
+    };
+    const Case cases[] = {
+        {"a Command-click", {}, "26.0", true, 1},
+        {"a click without forwarding", {{"forwardEvents", "false"}}, "26.0", false, 1},
+        {"a click from 27.0 on", {}, "27.0", false, 1},
+        {"a right click from 27.0 on", {{"forwardEvents", "true"}}, "27.0", false, 3},
+        {"a middle click from 27.0 on", {}, "27.1", false, 2},
+    };
+    PREPARE(prepare());
+    for (const Case& one : cases) {
+        SCOPED_TRACE(one.name);
+        desktop().setEnvironment("SKYLET_SYSTEM_VERSION", one.version);
+        PREPARE(startAndPin(one.preferences));
+        moveTo(spot(0, 0));
+        if (one.withCommand) {
+            x().hold(0xffeb, true); // XK_Super_L
+        }
+        x().button(one.button, true);
+        x().button(one.button, false);
+        if (one.withCommand) {
+            x().hold(0xffeb, false);
+        }
+        EXPECT_TRUE(eventually([&] { return x().activeWindow() == target_; }));
+        EXPECT_TRUE(eventually([&] { return isOutOfTheWayOf(target_); }));
+        EXPECT_EQ(x().inputFocus(), target_);
+        EXPECT_EQ(probe_->said().find("press"), std::string::npos) << probe_->said();
+        x().movePointer(1270, 790);
+        EXPECT_EQ(endSkylet(), 0);
+    }
+}
+
+class FullInputEndsTest : public InputEndsTest {};
+
+TEST_F(FullInputEndsTest, KillsAtAnyMomentLeaveACleanDesktop) {
+    constexpr int kills = 100;
+    PREPARE(prepare());
+    std::minstd_rand random(20260101);
+    for (int kill = 0; kill < kills; ++kill) {
+        SCOPED_TRACE(kill);
+        PREPARE(startAndPin());
+        moveTo(spot(0, 0));
+        // Anywhere in a click (even) or a drag (odd), before, in or after each of its steps.
+        std::vector<std::function<void()>> steps{[&] {
+            x().button(1, true);
+        }};
+        if (kill % 2 == 1) {
+            for (int step = 1; step <= 4; ++step) {
+                steps.emplace_back([this, step] { moveTo(spot(step * 10, step * 5)); });
+            }
+        }
+        steps.emplace_back([&] { x().button(1, false); });
+        const std::size_t last = random() % (steps.size() + 1);
+        for (std::size_t step = 0; step < last; ++step) {
+            steps[step]();
+        }
+        const auto moment = std::chrono::steady_clock::now() + std::chrono::microseconds(random() % 12000);
+        while (std::chrono::steady_clock::now() < moment) {
+        }
+        skylet().process().signal(SIGKILL);
+        // Every tenth time nobody is left to clean up but the next start.
+        const bool repairDies = kill % 10 == 9;
+        if (repairDies) {
+            for (const pid_t pid : descendantsNamed("skylet-repair")) {
+                ::kill(pid, SIGKILL);
+            }
+        }
+        ASSERT_TRUE(skylet().process().waitForExit().has_value());
+        endSkylet();
+        x().button(1, false);
+        if (repairDies) {
+            PREPARE(launch());
+        }
+        ASSERT_TRUE(eventually([&] { return isClean(); }));
+        if (repairDies) {
+            EXPECT_EQ(endSkylet(), 0);
+        }
+        PREPARE(expectUsable());
+    }
+}
+
+} // namespace
+} // namespace skylet::desktop
