@@ -5,15 +5,19 @@
 #pragma once
 
 #include "app/GlobalHotkey.h"
+#include "app/StatusMenu.h"
 #include "app/ZentroStatusItemVisibility.h"
 #include "foundation/Lifetime.h"
 #include "overlay/OverlayEnvironment.h"
 #include "pinning/PinnedWindowTracker.h"
+#include "platform/Application.h"
 #include "platform/EventPoster.h"
 #include "platform/EventTap.h"
+#include "platform/StatusBar.h"
 #include "platform/Subscription.h"
 #include "windows/ForeignWindow.h"
 
+#include <memory>
 #include <optional>
 
 namespace skylet {
@@ -23,7 +27,8 @@ class AppDelegate {
     // The interfaces must outlive the controller. Nothing is observed before the launch but what the tracker
     // does.
     AppDelegate(const OverlayEnvironment& environment, OverlayInputRoutes routes,
-                platform::EventTap& eventTap, platform::EventPoster& eventPoster, AppCallbacks callbacks);
+                platform::EventTap& eventTap, platform::EventPoster& eventPoster,
+                platform::Application& application, platform::StatusBar& statusBar, AppCallbacks callbacks);
 
     void applicationDidFinishLaunching();
     void applicationWillTerminate();
@@ -35,7 +40,13 @@ class AppDelegate {
     void toggleFrontmost(const ForeignWindow& window);
     void unpinMenuItem(platform::WindowID windowID);
     void unpinAllAction();
+    void openSettings();
+    void openAbout();
+    void openUpdatesPage();
     void quit();
+
+    // Draws the status item's icon and tooltip again, from the preferences and the number of pinned windows.
+    void updateIcon();
 
     [[nodiscard]] PinnedWindowTracker& tracker() { return tracker_; }
     [[nodiscard]] GlobalHotkey& hotkey() { return hotkey_; }
@@ -45,6 +56,10 @@ class AppDelegate {
     [[nodiscard]] const std::optional<ForeignWindow>& lastForeignWindow() const { return lastForeignWindow_; }
 
   private:
+    void createStatusItem();
+    void applyStatusItemVisibility();
+    [[nodiscard]] platform::Menu menuNeedsUpdate();
+    [[nodiscard]] StatusMenuActions menuActions();
     void logPermissions();
     void promptForAccessibilityOnce();
     void observeForeignWindows();
@@ -58,12 +73,17 @@ class AppDelegate {
     AppCallbacks callbacks_;
     platform::EventTap& eventTap_;
     platform::EventPoster& eventPoster_;
+    platform::Application& application_;
+    platform::StatusBar& statusBar_;
 
     PinnedWindowTracker tracker_;
     std::optional<ForeignWindow> lastForeignWindow_;
     platform::Subscription focusObserver;
     GlobalHotkey hotkey_;
     ZentroStatusItemVisibility statusItemVisibility_;
+    std::unique_ptr<platform::StatusItem> statusItem; // none while the user has it hidden
+    platform::Subscription visibilityObserver_;
+    platform::Subscription screenObserver_;
     Lifetime lifetime_;
 };
 

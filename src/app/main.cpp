@@ -7,8 +7,10 @@
 #include "platform/qt/AccessibilityTrust.h"
 #include "platform/qt/DBusBuses.h"
 #include "platform/qt/FileDefaults.h"
+#include "platform/qt/QtApplication.h"
 #include "platform/qt/QtMainQueue.h"
 #include "platform/qt/QtMessages.h"
+#include "platform/qt/QtStatusBar.h"
 #include "platform/qt/SerialQueues.h"
 #include "platform/qt/SessionLock.h"
 #include "platform/qt/SingleInstance.h"
@@ -74,7 +76,9 @@ skylet::AppCallbacks makeCallbacks() {
             .terminate =
                 [] {
                     QCoreApplication::quit();
-                }};
+                },
+            .openSettings = {},
+            .openAbout = {}};
 }
 
 int run(QApplication& application, qt::QtMessages& messages) {
@@ -114,6 +118,8 @@ int run(QApplication& application, qt::QtMessages& messages) {
 
     qt::AccessibilityTrust trust(sessionBus);
     qt::SessionLock sessionLock(sessionBus, qt::systemBus());
+    qt::QtApplication windows;
+    qt::QtStatusBar statusBar(sessionBus);
     x11::X11Desktop desktop(connection, {mainQueue, queues, trust, sessionLock});
     skylet::AppDelegate delegate({.windowServer = desktop.windowServer(),
                                   .accessibility = desktop.accessibility(),
@@ -124,7 +130,7 @@ int run(QApplication& application, qt::QtMessages& messages) {
                                   .defaults = defaults,
                                   .mainQueue = mainQueue,
                                   .log = log},
-                                 {}, desktop.eventTap(), desktop.eventPoster(), makeCallbacks());
+                                 {}, desktop.eventTap(), desktop.eventPoster(), windows, statusBar, makeCallbacks());
     reopened = [&delegate] {
         delegate.applicationShouldHandleReopen();
     };
@@ -157,6 +163,5 @@ int main(int argc, char** argv) {
     QApplication::setOrganizationDomain(QStringLiteral("corvane.com"));
     QApplication::setDesktopFileName(QString::fromLatin1(skylet::bundleIdentifier));
     QApplication::setApplicationVersion(QStringLiteral(SKYLET_VERSION));
-    QApplication::setQuitOnLastWindowClosed(false);
     return run(application, messages);
 }
