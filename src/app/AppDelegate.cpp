@@ -47,7 +47,10 @@ void AppDelegate::applicationDidFinishLaunching() {
     createStatusItem();
     visibilityObserver_ =
         statusItemVisibility_.observeDidChange(lifetime_.guard([this] { applyStatusItemVisibility(); }));
-    tracker_.onChange = lifetime_.guard([this] { updateIcon(); });
+    tracker_.onChange = lifetime_.guard([this] {
+        updateIcon();
+        noteMenuChange();
+    });
     observeForeignWindows();
     hotkey_.registerHotkey();
     screenObserver_ =
@@ -103,6 +106,7 @@ void AppDelegate::observeForeignWindows() {
 void AppDelegate::rememberForeignWindow() {
     if (auto window = frontmostForeignWindow()) {
         lastForeignWindow_ = std::move(window);
+        noteMenuChange();
     }
 }
 

@@ -59,6 +59,7 @@ class AppDelegate {
     void createStatusItem();
     void applyStatusItemVisibility();
     [[nodiscard]] platform::Menu menuNeedsUpdate();
+    void noteMenuChange() const;
     [[nodiscard]] StatusMenuActions menuActions();
     void logPermissions();
     void promptForAccessibilityOnce();

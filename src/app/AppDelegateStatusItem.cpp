@@ -61,6 +61,12 @@ platform::Menu AppDelegate::menuNeedsUpdate() {
     return StatusMenu::build(lastForeignWindow_, tracker_.pinnedWindows(), menuActions());
 }
 
+void AppDelegate::noteMenuChange() const {
+    if (statusItem) {
+        statusItem->noteMenuChange();
+    }
+}
+
 StatusMenuActions AppDelegate::menuActions() {
     return {.openAbout = lifetime_.guard([this] { openAbout(); }),
             .openUpdatesPage = lifetime_.guard([this] { openUpdatesPage(); }),

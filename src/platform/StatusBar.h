@@ -52,6 +52,9 @@ class StatusItem {
 
     virtual void setImage(const StatusImage& image) = 0;
     virtual void setToolTip(const std::string& text) = 0;
+    // The menu would come out different now. A bar that shows a copy of its own fetches it early, so that the
+    // menu does not change under the user's eyes when it opens.
+    virtual void noteMenuChange() = 0;
 };
 
 class StatusBar {

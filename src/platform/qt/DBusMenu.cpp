@@ -61,6 +61,10 @@ QVariantMap selected(const QVariantMap& properties, const QStringList& names) {
     return result;
 }
 
+QVariantMap rootProperties() {
+    return {{QStringLiteral("children-display"), QStringLiteral("submenu")}};
+}
+
 QVariantMap menuProperties() {
     return {{QStringLiteral("Version"), protocolVersion},
             {QStringLiteral("TextDirection"), QStringLiteral("ltr")},
@@ -144,7 +148,7 @@ QVariantList DBusMenu::layout(const QVariantList& arguments) {
     const QStringList names = arguments[2].toStringList();
     DBusMenuLayout root{.id = parent, .properties = {}, .children = {}};
     if (parent == rootId) {
-        root.properties = selected({{QStringLiteral("children-display"), QStringLiteral("submenu")}}, names);
+        root.properties = selected(rootProperties(), names);
         if (depth != 0) {
             for (const auto& [identity, item] : items_) {
                 root.children << DBusMenuLayout{item.id, selected(item.properties, names), {}};
@@ -160,10 +164,14 @@ QVariantList DBusMenu::groupProperties(const QVariantList& arguments) {
     updateIfNeverBuilt();
     const QList<int> ids = idsIn(arguments[0]);
     QList<DBusMenuItem> result;
-    for (const auto& [identity, item] : items_) {
-        if (ids.isEmpty() || ids.contains(item.id)) {
-            result << DBusMenuItem{item.id, selected(item.properties, arguments[1].toStringList())};
+    const auto add = [&](int id, const QVariantMap& properties) {
+        if (ids.isEmpty() || ids.contains(id)) {
+            result << DBusMenuItem{id, selected(properties, arguments[1].toStringList())};
         }
+    };
+    add(rootId, rootProperties());
+    for (const auto& [identity, item] : items_) {
+        add(item.id, item.properties);
     }
     return {QVariant::fromValue(result)};
 }

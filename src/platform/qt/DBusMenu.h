@@ -31,6 +31,9 @@ class DBusMenu : public QDBusVirtualObject {
     DBusMenu& operator=(const DBusMenu&) = delete;
     ~DBusMenu() override;
 
+    // Builds the menu again and tells the host if it came out different; whether it did.
+    bool update();
+
     [[nodiscard]] QString introspect(const QString& path) const override;
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
 
@@ -41,8 +44,6 @@ class DBusMenu : public QDBusVirtualObject {
         std::function<void()> action;
     };
 
-    // Builds the menu again; whether that changed anything.
-    bool update();
     void updateIfNeverBuilt();
     [[nodiscard]] const Item* find(int id) const;
     [[nodiscard]] std::optional<QVariantList> answer(const QDBusMessage& message);

@@ -39,6 +39,11 @@ class QtStatusItem : public StatusItem {
         toolTip_ = QString::fromStdString(text);
         showToolTip();
     }
+    void noteMenuChange() override {
+        if (notifier_) {
+            notifier_->noteMenuChange();
+        }
+    }
 
   private:
     // A tray icon must not be made while there is a host: Qt would then take it for all times to be one of

@@ -90,7 +90,6 @@ QVariantMap StatusNotifierItem::properties() const {
             {QStringLiteral("IconThemePath"), QString()},
             {QStringLiteral("IconName"), QString()},
             {QStringLiteral("IconPixmap"), pictures_},
-            {QStringLiteral("IconAccessibleDesc"), name},
             {QStringLiteral("OverlayIconName"), QString()},
             {QStringLiteral("OverlayIconPixmap"), none},
             {QStringLiteral("AttentionIconName"), QString()},
@@ -138,7 +137,6 @@ QString StatusNotifierItem::introspect(const QString& /*path*/) const {
     <property name="IconThemePath" type="s" access="read"/>
     <property name="IconName" type="s" access="read"/>
     <property name="IconPixmap" type="a(iiay)" access="read"/>
-    <property name="IconAccessibleDesc" type="s" access="read"/>
     <property name="OverlayIconName" type="s" access="read"/>
     <property name="OverlayIconPixmap" type="a(iiay)" access="read"/>
     <property name="AttentionIconName" type="s" access="read"/>

@@ -29,6 +29,7 @@ class StatusNotifierItem : public QDBusVirtualObject {
     [[nodiscard]] const QString& service() const { return service_; }
     void setImage(const StatusImage& image);
     void setToolTip(const QString& text);
+    void noteMenuChange() { menu_.update(); }
     // Draws the image again, for another appearance.
     void redraw();
 
