@@ -29,8 +29,8 @@ struct AppCallbacks {
     // Asks the application to terminate.
     std::function<void()> terminate;
     // Bring the program's windows forward. Empty: there is no such window.
-    std::function<void()> openSettings;
-    std::function<void()> openAbout;
+    std::function<void()> openSettings{};
+    std::function<void()> openAbout{};
 };
 
 // What the hotkey needs of the rest of the program; must outlive it.

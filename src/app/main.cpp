@@ -76,9 +76,7 @@ skylet::AppCallbacks makeCallbacks() {
             .terminate =
                 [] {
                     QCoreApplication::quit();
-                },
-            .openSettings = {},
-            .openAbout = {}};
+                }};
 }
 
 int run(QApplication& application, qt::QtMessages& messages) {

@@ -32,6 +32,7 @@ class AppDelegateTest : public testing::Test {
     std::unique_ptr<AppDelegate> make() {
         return std::make_unique<AppDelegate>(
             desktop.environment, OverlayInputRoutes{}, desktop.eventTap, desktop.eventPoster,
+            desktop.application, desktop.statusBar,
             AppCallbacks{.reportToUser = {}, .fatal = {}, .terminate = [this] {
                              ++terminations;
                          }});
@@ -165,7 +166,8 @@ TEST_F(AppDelegateTest, ShutdownEndsTheRetryTheTapTheObserverAndThePins) {
 
     sim::SimulatedDesktop waiting;
     waiting.eventTap.canCreate = false;
-    AppDelegate other(waiting.environment, {}, waiting.eventTap, waiting.eventPoster, {});
+    AppDelegate other(waiting.environment, {}, waiting.eventTap, waiting.eventPoster, waiting.application,
+                      waiting.statusBar, {});
     other.applicationDidFinishLaunching();
     other.applicationWillTerminate();
     waiting.advance(10);
