@@ -69,7 +69,7 @@ class QtStatusItem : public StatusItem {
     }
     void showImage() {
         if (notifier_) {
-            notifier_->setImage(image_);
+            notifier_->setImage(image_, isDarkAppearance());
         }
         if (tray_) {
             tray_->setImage(image_);

@@ -20,11 +20,11 @@ const auto itemInterface = QStringLiteral("org.kde.StatusNotifierItem");
 const auto itemPath = QStringLiteral("/StatusNotifierItem");
 const auto menuPath = QStringLiteral("/MenuBar");
 
-QList<StatusNotifierPicture> picturesOf(const StatusImage& image) {
+QList<StatusNotifierPicture> picturesOf(const StatusImage& image, bool isDark) {
     QList<StatusNotifierPicture> pictures;
     for (const int size : statusIconSizes()) {
         const QImage drawn =
-            drawStatusImage(image, {size, size}, isDarkAppearance()).convertToFormat(QImage::Format_ARGB32);
+            drawStatusImage(image, {size, size}, isDark).convertToFormat(QImage::Format_ARGB32);
         if (drawn.isNull()) {
             continue;
         }
@@ -60,9 +60,10 @@ StatusNotifierItem::~StatusNotifierItem() {
     }
 }
 
-void StatusNotifierItem::setImage(const StatusImage& image) {
-    image_ = image;
-    redraw();
+void StatusNotifierItem::setImage(const StatusImage& image, bool isDark) {
+    name_ = QString::fromStdString(image.symbol.accessibilityDescription);
+    pictures_ = QVariant::fromValue(picturesOf(image, isDark));
+    tell(QStringLiteral("NewIcon"));
 }
 
 void StatusNotifierItem::setToolTip(const QString& text) {
@@ -70,21 +71,15 @@ void StatusNotifierItem::setToolTip(const QString& text) {
     tell(QStringLiteral("NewToolTip"));
 }
 
-void StatusNotifierItem::redraw() {
-    pictures_ = QVariant::fromValue(picturesOf(image_));
-    tell(QStringLiteral("NewIcon"));
-}
-
 void StatusNotifierItem::tell(const QString& signal) {
     bus_.send(QDBusMessage::createSignal(itemPath, itemInterface, signal));
 }
 
 QVariantMap StatusNotifierItem::properties() const {
-    const auto name = QString::fromStdString(image_.symbol.accessibilityDescription);
     const auto none = QVariant::fromValue(QList<StatusNotifierPicture>());
     return {{QStringLiteral("Category"), QStringLiteral("ApplicationStatus")},
             {QStringLiteral("Id"), QCoreApplication::applicationName()},
-            {QStringLiteral("Title"), name},
+            {QStringLiteral("Title"), name_},
             {QStringLiteral("Status"), QStringLiteral("Active")},
             {QStringLiteral("WindowId"), 0},
             {QStringLiteral("IconThemePath"), QString()},

@@ -27,11 +27,9 @@ class StatusNotifierItem : public QDBusVirtualObject {
 
     // Its name on the bus, for the watcher.
     [[nodiscard]] const QString& service() const { return service_; }
-    void setImage(const StatusImage& image);
+    void setImage(const StatusImage& image, bool isDark);
     void setToolTip(const QString& text);
     void noteMenuChange() { menu_.update(); }
-    // Draws the image again, for another appearance.
-    void redraw();
 
     [[nodiscard]] QString introspect(const QString& path) const override;
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
@@ -44,7 +42,7 @@ class StatusNotifierItem : public QDBusVirtualObject {
     std::function<void()> showMenu_;
     DBusMenu menu_;
     QString service_;
-    StatusImage image_;
+    QString name_;
     QVariant pictures_; // of the image, in every size
     QString toolTip_;
 };
