@@ -7,6 +7,7 @@
 #include <QCoreApplication>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
+#include <QDBusPendingCall>
 #include <QTimer>
 #include <QtEndian>
 
@@ -36,6 +37,17 @@ QList<StatusNotifierPicture> picturesOf(const StatusImage& image, bool isDark) {
     return pictures;
 }
 
+// The library's own calls for this wait for the answer, and end the program when the bus goes meanwhile.
+void callBus(const QDBusConnection& bus, const QString& method, const QVariantList& arguments) {
+    const auto service = QStringLiteral("org.freedesktop.DBus");
+    auto message =
+        QDBusMessage::createMethodCall(service, QStringLiteral("/org/freedesktop/DBus"), service, method);
+    message.setArguments(arguments);
+    bus.asyncCall(message);
+}
+
+constexpr uint doNotQueue = 4;
+
 } // namespace
 
 StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, int number, StatusBar::MenuSource source,
@@ -49,13 +61,13 @@ StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, int number, StatusBa
     registerStatusNotifierTypes();
     if (bus_.isConnected()) {
         bus_.registerVirtualObject(itemPath, this);
-        bus_.registerService(service_);
+        callBus(bus_, QStringLiteral("RequestName"), {service_, doNotQueue});
     }
 }
 
 StatusNotifierItem::~StatusNotifierItem() {
     if (bus_.isConnected()) {
-        bus_.unregisterService(service_);
+        callBus(bus_, QStringLiteral("ReleaseName"), {service_});
         bus_.unregisterObject(itemPath);
     }
 }
