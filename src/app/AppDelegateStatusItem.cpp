@@ -68,15 +68,14 @@ void AppDelegate::noteMenuChange() const {
 }
 
 StatusMenuActions AppDelegate::menuActions() {
-    return {.openAbout = lifetime_.guard([this] { openAbout(); }),
-            .openUpdatesPage = lifetime_.guard([this] { openUpdatesPage(); }),
-            .toggleFrontmost =
-                lifetime_.guard([this](const ForeignWindow& window) { toggleFrontmost(window); }),
-            .unpinMenuItem =
-                lifetime_.guard([this](platform::WindowID windowID) { unpinMenuItem(windowID); }),
-            .unpinAllAction = lifetime_.guard([this] { unpinAllAction(); }),
-            .openSettings = lifetime_.guard([this] { openSettings(); }),
-            .quit = lifetime_.guard([this] { quit(); })};
+    return {
+        .openAbout = lifetime_.guard([this] { openAbout(); }),
+        .openUpdatesPage = lifetime_.guard([this] { openUpdatesPage(); }),
+        .toggleFrontmost = lifetime_.guard([this](const ForeignWindow& window) { toggleFrontmost(window); }),
+        .unpinMenuItem = lifetime_.guard([this](platform::WindowID windowID) { unpinMenuItem(windowID); }),
+        .unpinAllAction = lifetime_.guard([this] { unpinAllAction(); }),
+        .openSettings = lifetime_.guard([this] { openSettings(); }),
+        .quit = lifetime_.guard([this] { quit(); })};
 }
 
 void AppDelegate::toggleFrontmost(const ForeignWindow& window) {

@@ -128,7 +128,8 @@ int run(QApplication& application, qt::QtMessages& messages) {
                                   .defaults = defaults,
                                   .mainQueue = mainQueue,
                                   .log = log},
-                                 {}, desktop.eventTap(), desktop.eventPoster(), windows, statusBar, makeCallbacks());
+                                 {}, desktop.eventTap(), desktop.eventPoster(), windows, statusBar,
+                                 makeCallbacks());
     reopened = [&delegate] {
         delegate.applicationShouldHandleReopen();
     };

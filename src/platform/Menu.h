@@ -21,7 +21,8 @@ struct MenuItem {
     bool isSeparator = false;
     bool isEnabled = true;
     bool isOn = false; // a check mark
-    // One character, pressed with the system's command modifier; an upper-case letter adds Shift. Empty: none.
+    // One character, pressed with the system's command modifier; an upper-case letter adds Shift. Empty:
+    // none.
     std::string keyEquivalent{};
     std::function<void()> action{};
     ResponderAction responderAction = ResponderAction::none;

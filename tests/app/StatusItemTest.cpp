@@ -30,7 +30,10 @@ class StatusItemTest : public testing::Test {
                          .fatal = {},
                          .terminate = [this] { done.emplace_back("terminate"); },
                          .openSettings = [this] { done.emplace_back("settings"); },
-                         .openAbout = [this] { done.emplace_back("about"); }});
+                         .openAbout =
+                             [this] {
+                                 done.emplace_back("about");
+                             }});
     }
     [[nodiscard]] sim::SimStatusItem& item() const { return *desktop.statusBar.items.at(0); }
     // The user opens the menu and chooses the item with this title.
@@ -105,8 +108,8 @@ TEST_F(StatusItemTest, IconAndToolTipFollowThePins) {
     for (const auto& one : steps) {
         SCOPED_TRACE(one.description);
         one.step();
-        EXPECT_EQ(item().image.symbol, (platform::Symbol{one.symbol, "Skylet", 16,
-                                                         platform::SymbolWeight::semibold}));
+        EXPECT_EQ(item().image.symbol,
+                  (platform::Symbol{one.symbol, "Skylet", 16, platform::SymbolWeight::semibold}));
         EXPECT_EQ(item().image.tint, red);
         EXPECT_FALSE(item().image.background);
         EXPECT_EQ(item().toolTip, one.toolTip);

@@ -87,8 +87,8 @@ TEST(StatusMenu, ListsItsItemsInOrder) {
 }
 
 TEST(StatusMenu, CutsLongLabelsBetweenCharacters) {
-    const std::string family = "👨‍👩‍👧‍👦";  // one character of seven code points
-    const std::string accented = "e\xCC\x81"; // a letter and its combining accent
+    const std::string family = "👨‍👩‍👧‍👦"; // one character of seven code points
+    const std::string accented = "e\xCC\x81";               // a letter and its combining accent
     struct {
         const char* description;
         std::string character;
@@ -109,8 +109,10 @@ TEST(StatusMenu, CutsLongLabelsBetweenCharacters) {
 
 TEST(StatusMenu, SortsPinnedWindowsByCodePoints) {
     const std::vector<ForeignWindow> pinned{
-        window(1, "b", ""),       window(2, "a", "z"),
-        window(3, "B", ""),       window(4, "a", ""),
+        window(1, "b", ""),
+        window(2, "a", "z"),
+        window(3, "B", ""),
+        window(4, "a", ""),
         window(5, "\xF0\x9F\x93\x8C", ""), // beyond the first 65536
         window(6, "\xEF\xBD\x81", ""),     // U+FF41, after the surrogates
         window(7, "e\xCC\x81", "2"),       // é in two code points
@@ -159,8 +161,7 @@ TEST(StatusMenu, ItemsActOnTheWindowThatTheyShow) {
         .unpinAllAction = note("all"),
         .openSettings = note("settings"),
         .quit = note("quit")};
-    const auto menu =
-        build(window(7, "Editor", "doc"), {window(8, "B", ""), window(9, "A", "")}, actions);
+    const auto menu = build(window(7, "Editor", "doc"), {window(8, "B", ""), window(9, "A", "")}, actions);
     std::set<std::string> identities;
     for (const platform::MenuItem& item : menu) {
         EXPECT_TRUE(identities.insert(item.identity).second) << item.identity;
@@ -168,8 +169,8 @@ TEST(StatusMenu, ItemsActOnTheWindowThatTheyShow) {
             item.action();
         }
     }
-    EXPECT_EQ(done, (Lines{"about", "updates", "toggle doc", "unpin 9", "unpin 8", "all", "settings",
-                           "quit"}));
+    EXPECT_EQ(done,
+              (Lines{"about", "updates", "toggle doc", "unpin 9", "unpin 8", "all", "settings", "quit"}));
 }
 
 } // namespace

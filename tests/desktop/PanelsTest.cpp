@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <csignal>
 #include <functional>
 
 namespace skylet::desktop {
@@ -128,13 +129,17 @@ class PanelsTest : public DesktopTest {
         x().click(icon->first, icon->second, button);
         ASSERT_TRUE(menuIs(true));
     }
-    // Chooses the item that so many presses of the arrow key reach.
-    void choose(int presses) {
-        for (int i = 0; i < presses; ++i) {
+    // Chooses the item with this number, counted without separators and disabled ones.
+    void choose(int number) {
+        for (int i = 0; i < number; ++i) {
             x().press(down, {});
         }
         x().press(enter, {});
         ASSERT_TRUE(menuIs(false));
+    }
+    // The program looks at a new window in front a moment later, and nothing tells when its menu has it.
+    [[nodiscard]] bool isRemembered(Window window) {
+        return throughout(std::chrono::milliseconds(400), [&] { return x().activeWindow() == window; });
     }
     void usePanel() {
         ASSERT_TRUE(iconAppears());
@@ -144,7 +149,8 @@ class PanelsTest : public DesktopTest {
         x().press(escape, {});
         ASSERT_TRUE(menuIs(false));
         // The program looks at the new window in front a moment later, and nothing tells when it has.
-        ASSERT_TRUE(throughout(std::chrono::milliseconds(400), [&] { return x().activeWindow() == target_; }));
+        ASSERT_TRUE(
+            throughout(std::chrono::milliseconds(400), [&] { return x().activeWindow() == target_; }));
         const int outline = redPixels();
         const std::string pinned = "pin: overlay created for wid=" + std::to_string(target_);
         const int before = skylet().count(pinned);
@@ -158,6 +164,7 @@ class PanelsTest : public DesktopTest {
         PREPARE(bringToFront(cover_));
         ASSERT_TRUE(eventually([&] { return floatsOver(target_); }));
         const Window overlay = skylet().overlayInFront().value_or(XCB_NONE);
+        ASSERT_TRUE(isRemembered(cover_));
         PREPARE(openWithPointer(3));
         puppet().tell("pattern " + std::to_string(++patterns_));
         EXPECT_TRUE(eventually([&] {
@@ -186,6 +193,47 @@ TEST_F(PanelsTest, TrayIsUsedAndReplaced) {
     PREPARE(usePanel());
 }
 
+TEST_F(PanelsTest, OutlivesTheBus) {
+    struct Case {
+        const char* description;
+        bool hasHost;
+        bool hasTray;
+    };
+    const Case cases[] = {
+        {"a host on the bus", true, false}, {"a tray", false, true}, {"neither", false, false}};
+    for (const Case& test : cases) {
+        SCOPED_TRACE(test.description);
+        SetUp();
+        Process host;
+        if (test.hasHost) {
+            host = desktop().start({SKYLET_STATUS_HOST});
+        }
+        if (test.hasTray) {
+            startPanel(PanelKind::trayer);
+        }
+        PREPARE(launch());
+        ASSERT_TRUE(!test.hasTray || iconAppears());
+        ASSERT_TRUE(!test.hasHost || eventually([&] {
+            host.write("items\n");
+            return host.readLine() == "1";
+        }));
+        desktop().sessionBus().signal(SIGKILL);
+        ASSERT_TRUE(desktop().sessionBus().waitForExit());
+        // A host that is gone is given up after a second.
+        EXPECT_FALSE(eventually([&] { return !skylet().process().isRunning(); }, std::chrono::seconds(2)));
+        // A tray that comes then serves if it ever could.
+        startPanel(PanelKind::trayer);
+        if (!test.hasHost) {
+            PREPARE(usePanel());
+        }
+        Process second = desktop().start({SKYLET_PROGRAM});
+        EXPECT_EQ(second.waitForExit(), 0);
+        EXPECT_TRUE(skylet().pin(target_));
+        endSkylet();
+        panel_.stop();
+    }
+}
+
 class FullPanelsTest : public PanelsTest, public testing::WithParamInterface<PanelKind> {};
 
 TEST_P(FullPanelsTest, ComesLateIsUsedAndRestarts) {
@@ -199,15 +247,16 @@ TEST_P(FullPanelsTest, ComesLateIsUsedAndRestarts) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Panels, FullPanelsTest,
-                         testing::Values(PanelKind::trayer, PanelKind::tint2, PanelKind::xfce, PanelKind::lxqt),
+                         testing::Values(PanelKind::trayer, PanelKind::tint2, PanelKind::xfce,
+                                         PanelKind::lxqt),
                          [](const auto& test) { return nameOf(test.param); });
 
 class FullPanelChangesTest : public PanelsTest {};
 
 TEST_F(FullPanelChangesTest, ItemMovesBetweenKindsOfPanels) {
     PREPARE(launch());
-    for (const PanelKind kind : {PanelKind::lxqt, PanelKind::trayer, PanelKind::xfce, PanelKind::tint2,
-                                 PanelKind::lxqt}) {
+    for (const PanelKind kind :
+         {PanelKind::lxqt, PanelKind::trayer, PanelKind::xfce, PanelKind::tint2, PanelKind::lxqt}) {
         SCOPED_TRACE(nameOf(kind));
         startPanel(kind);
         PREPARE(usePanel());

@@ -85,17 +85,8 @@ TEST_F(StatusItemTest, HiddenOneComesBackWhenTheProgramIsStartedAgain) {
         EXPECT_EQ(second.waitForExit(), 0);
         EXPECT_TRUE(hasItems(1));
     }
-    EXPECT_NE(readFile(desktop().configPath("Skylet/skylet.conf")).find(hidden + "=false"), std::string::npos);
-}
-
-TEST_F(StatusItemTest, OutlivesTheBus) {
-    startHost();
-    PREPARE(launch());
-    ASSERT_TRUE(hasItems(1));
-    desktop().sessionBus().signal(9);
-    ASSERT_TRUE(desktop().sessionBus().waitForExit());
-    PREPARE(openPuppet());
-    EXPECT_TRUE(skylet().pin(puppet().open("100 90 480 320 title=target")));
+    EXPECT_NE(readFile(desktop().configPath("Skylet/skylet.conf")).find(hidden + "=false"),
+              std::string::npos);
 }
 
 } // namespace

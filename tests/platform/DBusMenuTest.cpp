@@ -1,6 +1,7 @@
+#include "platform/qt/DBusMenu.h"
+
 #include "platform/PrivateServer.h"
 #include "platform/Waiting.h"
-#include "platform/qt/DBusMenu.h"
 #include "platform/qt/DBusSignal.h"
 
 #include <QDBusMessage>
@@ -21,8 +22,8 @@ using platform::MenuItem;
 using platform::qt::DBusMenu;
 using platform::qt::DBusMenuItem;
 using platform::qt::DBusMenuLayout;
-using platform::qt::DBusSignal;
 using platform::qt::DBusShortcut;
+using platform::qt::DBusSignal;
 
 const auto path = QStringLiteral("/MenuBar");
 const auto menuInterface = QStringLiteral("com.canonical.dbusmenu");
@@ -34,10 +35,9 @@ class DBusMenuTest : public testing::Test {
         : ours_(QDBusConnection::connectToBus(QString::fromStdString(bus_.address()), QStringLiteral("ours")))
         , host_(QDBusConnection::connectToBus(QString::fromStdString(bus_.address()), QStringLiteral("host")))
         , menu_(std::make_unique<DBusMenu>(ours_, path, [this] { return content_; }))
-        , changes_(host_, {ours_.baseService(), path, menuInterface, QStringLiteral("LayoutUpdated")},
-                   [this](const QDBusMessage& message) {
-                       announced_ = message.arguments().value(0).toUInt();
-                   }) {}
+        , changes_(
+              host_, {ours_.baseService(), path, menuInterface, QStringLiteral("LayoutUpdated")},
+              [this](const QDBusMessage& message) { announced_ = message.arguments().value(0).toUInt(); }) {}
     ~DBusMenuTest() override {
         menu_.reset();
         QDBusConnection::disconnectFromBus(QStringLiteral("ours"));
@@ -106,19 +106,22 @@ TEST_F(DBusMenuTest, SaysWhatEachItemLooksLike) {
 
     const DBusMenuLayout root = layout();
     EXPECT_EQ(root.id, 0);
-    EXPECT_EQ(root.properties.value(QStringLiteral("children-display")).toString(), QStringLiteral("submenu"));
+    EXPECT_EQ(root.properties.value(QStringLiteral("children-display")).toString(),
+              QStringLiteral("submenu"));
     ASSERT_EQ(root.children.size(), 5);
     const auto properties = [&](int index) {
         return root.children[index].properties;
     };
     const auto label = QStringLiteral("label");
-    EXPECT_EQ(properties(0), (QVariantMap{{label, QStringLiteral("a__b & c")}, {QStringLiteral("enabled"), false}}));
+    EXPECT_EQ(properties(0),
+              (QVariantMap{{label, QStringLiteral("a__b & c")}, {QStringLiteral("enabled"), false}}));
     EXPECT_EQ(properties(1), (QVariantMap{{QStringLiteral("type"), QStringLiteral("separator")}}));
     EXPECT_EQ(properties(2), (QVariantMap{{label, QStringLiteral("pinned")},
                                           {QStringLiteral("toggle-type"), QStringLiteral("checkmark")},
                                           {QStringLiteral("toggle-state"), 1}}));
     const auto shortcut = [&](int index) {
-        return qdbus_cast<DBusShortcut>(properties(index).value(QStringLiteral("shortcut")).value<QDBusArgument>());
+        return qdbus_cast<DBusShortcut>(
+            properties(index).value(QStringLiteral("shortcut")).value<QDBusArgument>());
     };
     EXPECT_EQ(shortcut(3), (DBusShortcut{{QStringLiteral("Control"), QStringLiteral("Q")}}));
     EXPECT_EQ(shortcut(4),
@@ -133,7 +136,8 @@ TEST_F(DBusMenuTest, SaysWhatEachItemLooksLike) {
     const int id = root.children[2].id;
     const QDBusPendingReply<QDBusVariant> one = ask(QStringLiteral("GetProperty"), {id, label});
     EXPECT_EQ(one.value().variant().toString(), QStringLiteral("pinned"));
-    EXPECT_EQ(ask(QStringLiteral("GetProperty"), {id, QStringLiteral("none")}).type(), QDBusMessage::ErrorMessage);
+    EXPECT_EQ(ask(QStringLiteral("GetProperty"), {id, QStringLiteral("none")}).type(),
+              QDBusMessage::ErrorMessage);
     const auto group = qdbus_cast<QList<DBusMenuItem>>(
         ask(QStringLiteral("GetGroupProperties"), {QVariant::fromValue(QList<int>{0, id}), QStringList()})
             .arguments()
@@ -201,8 +205,7 @@ TEST_F(DBusMenuTest, AnswersForManyItemsAtOnce) {
     const auto groupOf = [](const QDBusMessage& message, int index) {
         return qdbus_cast<QList<int>>(message.arguments().value(index).value<QDBusArgument>());
     };
-    const auto shown =
-        ask(QStringLiteral("AboutToShowGroup"), {QVariant::fromValue(QList<int>{0, 99})});
+    const auto shown = ask(QStringLiteral("AboutToShowGroup"), {QVariant::fromValue(QList<int>{0, 99})});
     EXPECT_EQ(groupOf(shown, 0), QList<int>{0});
     EXPECT_EQ(groupOf(shown, 1), QList<int>{99});
     const QList<platform::qt::DBusMenuEvent> events{

@@ -6,10 +6,10 @@
 #include "platform/qt/StatusNotifierTypes.h"
 #include "platform/qt/StatusNotifierWatcher.h"
 
-#include <QDBusMessage>
-#include <QDBusPendingCall>
 #include <QDBusConnectionInterface>
+#include <QDBusMessage>
 #include <QDBusObjectPath>
+#include <QDBusPendingCall>
 #include <QDBusVirtualObject>
 
 #include <gtest/gtest.h>
@@ -110,9 +110,8 @@ TEST_F(StatusNotifierTest, FollowsHostsThatComeAndGo) {
     panel = std::make_unique<FakeWatcher>(panel_);
     EXPECT_TRUE(becomes(State::host));
     watcher.registerItem(QStringLiteral("org.kde.StatusNotifierItem-1-1"));
-    EXPECT_TRUE(eventually([&] {
-        return panel->items == QStringList{QStringLiteral("org.kde.StatusNotifierItem-1-1")};
-    }));
+    EXPECT_TRUE(eventually(
+        [&] { return panel->items == QStringList{QStringLiteral("org.kde.StatusNotifierItem-1-1")}; }));
 }
 
 TEST_F(StatusNotifierTest, WithoutABusThereIsNoHost) {
@@ -125,7 +124,8 @@ TEST_F(StatusNotifierTest, ItemShowsPicturesOfEverySizeAndItsToolTip) {
         ours_, 3, [] { return platform::Menu(); }, [] {});
     int redrawn = 0;
     const platform::qt::DBusSignal signal(
-        panel_, {item->service(), QStringLiteral("/StatusNotifierItem"), itemInterface, QStringLiteral("NewIcon")},
+        panel_,
+        {item->service(), QStringLiteral("/StatusNotifierItem"), itemInterface, QStringLiteral("NewIcon")},
         [&](const QDBusMessage&) { ++redrawn; });
     EXPECT_TRUE(item->service().endsWith(QStringLiteral("-3")));
     item->setImage({.symbol = {.name = "pin.fill",
@@ -145,9 +145,11 @@ TEST_F(StatusNotifierTest, ItemShowsPicturesOfEverySizeAndItsToolTip) {
     message << itemInterface;
     const QDBusPendingCall pending = panel_.asyncCall(message);
     ASSERT_TRUE(eventually([&] { return pending.isFinished(); }));
-    const auto properties = qdbus_cast<QVariantMap>(pending.reply().arguments().value(0).value<QDBusArgument>());
+    const auto properties =
+        qdbus_cast<QVariantMap>(pending.reply().arguments().value(0).value<QDBusArgument>());
     EXPECT_EQ(properties.value(QStringLiteral("Title")).toString(), QStringLiteral("Skylet"));
-    EXPECT_EQ(properties.value(QStringLiteral("Menu")).value<QDBusObjectPath>().path(), QStringLiteral("/MenuBar"));
+    EXPECT_EQ(properties.value(QStringLiteral("Menu")).value<QDBusObjectPath>().path(),
+              QStringLiteral("/MenuBar"));
     EXPECT_TRUE(properties.value(QStringLiteral("ItemIsMenu")).toBool());
     const auto toolTip = qdbus_cast<platform::qt::StatusNotifierToolTip>(
         properties.value(QStringLiteral("ToolTip")).value<QDBusArgument>());
@@ -158,7 +160,8 @@ TEST_F(StatusNotifierTest, ItemShowsPicturesOfEverySizeAndItsToolTip) {
     for (const StatusNotifierPicture& picture : pictures) {
         ASSERT_EQ(picture.bytes.size(), 4 * picture.width * picture.height);
         const auto offset = 4 * (picture.height / 3 * picture.width + picture.width / 2);
-        EXPECT_EQ(picture.bytes.mid(offset, 4), QByteArray("\xFF\xFF\0\0", 4)) << picture.width << ": opaque red";
+        EXPECT_EQ(picture.bytes.mid(offset, 4), QByteArray("\xFF\xFF\0\0", 4))
+            << picture.width << ": opaque red";
     }
     const QString service = item->service();
     item.reset();

@@ -57,7 +57,8 @@ class SimStatusBar final : public platform::StatusBar {
     }
 };
 
-inline SimStatusItem::SimStatusItem(SimStatusBar& bar, std::string name, platform::StatusBar::MenuSource source)
+inline SimStatusItem::SimStatusItem(SimStatusBar& bar, std::string name,
+                                    platform::StatusBar::MenuSource source)
     : autosaveName(std::move(name))
     , menu(std::move(source))
     , bar_(bar) {

@@ -10,8 +10,7 @@
 namespace skylet::platform::qt {
 
 // The reply's arguments, or nothing when the message asks for something else.
-[[nodiscard]] std::optional<QVariantList> answerProperties(const QDBusMessage& message,
-                                                           const QString& interface,
-                                                           const QVariantMap& properties);
+[[nodiscard]] std::optional<QVariantList>
+answerProperties(const QDBusMessage& message, const QString& interface, const QVariantMap& properties);
 
 } // namespace skylet::platform::qt

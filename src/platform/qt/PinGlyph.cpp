@@ -15,9 +15,9 @@ constexpr double strokeWidth = 0.09;
 constexpr double capHalfWidth = 0.29;
 constexpr double bodyHalfWidth = 0.22;
 constexpr double plateHalfWidth = pinAspect / 2;
-constexpr double bodyEnd = 0.37;   // where the body begins to spread
-constexpr double plateTop = 0.58;  // where it has spread to the plate
-constexpr double plateEnd = 0.69;  // where the needle begins
+constexpr double bodyEnd = 0.37;  // where the body begins to spread
+constexpr double plateTop = 0.58; // where it has spread to the plate
+constexpr double plateEnd = 0.69; // where the needle begins
 constexpr double spreadStart = 0.08;
 
 // The whole number nearest to `value` that is even as `like` is, so that both have the same middle line.

@@ -1,7 +1,7 @@
 // The pushpin, as an outline and filled.
 //
-// Units: device pixels, y downwards. Straight edges lie on whole pixels at every size, so that the glyph is as
-// sharp in a panel of 16 pixels as in one of 64.
+// Units: device pixels, y downwards. Straight edges lie on whole pixels at every size, so that the glyph is
+// as sharp in a panel of 16 pixels as in one of 64.
 #pragma once
 
 #include <QColor>

@@ -19,8 +19,8 @@ class QtApplication : public QObject, public Application {
   public:
     QtApplication();
 
-    // Gives every window that is shown from now on the key equivalents. Editing is left out: text fields bring
-    // those keys themselves.
+    // Gives every window that is shown from now on the key equivalents. Editing is left out: text fields
+    // bring those keys themselves.
     void setMainMenu(const MainMenu& menu) override;
     void setAccessoryActivationPolicy() override;
 

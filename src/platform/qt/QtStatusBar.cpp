@@ -17,15 +17,13 @@ namespace {
 
 class QtStatusItem : public StatusItem {
   public:
-    QtStatusItem(QDBusConnection bus, int number, StatusNotifierWatcher& watcher, Observers<>& hostsChanged,
-                 Observers<>& appearanceChanged, const StatusBar::MenuSource& menu)
-        : bus_(std::move(bus))
+    QtStatusItem(StatusHosts& hosts, int number, const StatusBar::MenuSource& menu)
+        : hosts_(hosts)
         , number_(number)
-        , watcher_(watcher)
         , menu_(menu)
         , popup_(menu)
-        , hostsObserver_(hostsChanged.add([this] { moveToHost(); }))
-        , appearanceObserver_(appearanceChanged.add([this] { showImage(); })) {
+        , hostsObserver_(hosts.changed.add([this] { moveToHost(); }))
+        , appearanceObserver_(hosts.appearanceChanged.add([this] { showImage(); })) {
         moveToHost();
     }
 
@@ -46,25 +44,25 @@ class QtStatusItem : public StatusItem {
     }
 
   private:
-    // A tray icon must not be made while there is a host: Qt would then take it for all times to be one of
-    // the host's.
     void moveToHost() {
-        if (watcher_.state() == StatusNotifierWatcher::State::host) {
+        const auto state = hosts_.watcher().state();
+        if (state == StatusNotifierWatcher::State::host) {
             tray_.reset();
             if (!notifier_) {
-                notifier_ = std::make_unique<StatusNotifierItem>(
-                    bus_, number_, menu_, [this] { popup_.toggle(QRect(QCursor::pos(), QSize(1, 1))); });
+                notifier_ = std::make_unique<StatusNotifierItem>(hosts_.bus, number_, menu_, [this] {
+                    popup_.toggle(QRect(QCursor::pos(), QSize(1, 1)));
+                });
             }
-            showImage();
-            showToolTip();
-            watcher_.registerItem(notifier_->service());
-        } else if (watcher_.state() == StatusNotifierWatcher::State::noHost) {
+        } else if (state == StatusNotifierWatcher::State::noHost) {
             notifier_.reset();
-            if (!tray_) {
+            if (!tray_ && hosts_.canUseTray()) {
                 tray_ = std::make_unique<TrayIcon>(popup_);
             }
-            showImage();
-            showToolTip();
+        }
+        showImage();
+        showToolTip();
+        if (notifier_) {
+            hosts_.watcher().registerItem(notifier_->service());
         }
     }
     void showImage() {
@@ -84,9 +82,8 @@ class QtStatusItem : public StatusItem {
         }
     }
 
-    QDBusConnection bus_;
+    StatusHosts& hosts_;
     int number_;
-    StatusNotifierWatcher& watcher_;
     StatusBar::MenuSource menu_;
     MenuPopup popup_;
     StatusImage image_;
@@ -99,9 +96,26 @@ class QtStatusItem : public StatusItem {
 
 } // namespace
 
-QtStatusBar::QtStatusBar(const QDBusConnection& sessionBus)
-    : bus_(sessionBus)
-    , watcher_(sessionBus, [this] { hostsChanged_.notify(); }) {
+StatusHosts::StatusHosts(const QDBusConnection& sessionBus)
+    : bus(sessionBus)
+    , hadBus_(sessionBus.isConnected())
+    , watcher_(sessionBus, [this] {
+        // Decided as soon as it can be, whether or not there is an item yet.
+        if (watcher_.state() == StatusNotifierWatcher::State::noHost) {
+            canUseTray();
+        }
+        changed.notify();
+    }) {}
+
+bool StatusHosts::canUseTray() {
+    if (!isTrayDecided_ && bus.isConnected() == hadBus_) {
+        QSystemTrayIcon::isSystemTrayAvailable();
+        isTrayDecided_ = true;
+    }
+    return isTrayDecided_;
+}
+
+QtStatusBar::QtStatusBar(const QDBusConnection& sessionBus) : hosts_(sessionBus) {
     QCoreApplication::instance()->installEventFilter(this);
 }
 
@@ -116,18 +130,18 @@ Size QtStatusBar::symbolSize(const Symbol& symbol) const {
 }
 
 bool QtStatusBar::isShown() const {
-    return watcher_.state() != StatusNotifierWatcher::State::noHost ||
-           QSystemTrayIcon::isSystemTrayAvailable();
+    return hosts_.watcher().state() != StatusNotifierWatcher::State::noHost ||
+           (hosts_.canUseTray() && QSystemTrayIcon::isSystemTrayAvailable());
 }
 
 std::unique_ptr<StatusItem> QtStatusBar::makeStatusItem(const std::string& /*autosaveName*/,
                                                         MenuSource menu) {
-    return std::make_unique<QtStatusItem>(bus_, ++items_, watcher_, hostsChanged_, appearanceChanged_, menu);
+    return std::make_unique<QtStatusItem>(hosts_, ++items_, menu);
 }
 
 bool QtStatusBar::eventFilter(QObject* object, QEvent* event) {
     if (event->type() == QEvent::ApplicationPaletteChange && object == QCoreApplication::instance()) {
-        appearanceChanged_.notify();
+        hosts_.appearanceChanged.notify();
     }
     return false;
 }

@@ -16,6 +16,27 @@
 
 namespace skylet::platform::qt {
 
+// Where status items can be shown now, and what follows from a change of that.
+class StatusHosts {
+  public:
+    explicit StatusHosts(const QDBusConnection& sessionBus);
+
+    [[nodiscard]] StatusNotifierWatcher& watcher() { return watcher_; }
+    // Whether a tray icon of Qt's can be made. Qt looks at the bus once, for its first one, for what it then
+    // takes all of them to be: there must be no host then, and a bus that went away meanwhile would end the
+    // program.
+    bool canUseTray();
+
+    QDBusConnection bus;
+    Observers<> changed;
+    Observers<> appearanceChanged;
+
+  private:
+    bool hadBus_;
+    bool isTrayDecided_ = false;
+    StatusNotifierWatcher watcher_;
+};
+
 class QtStatusBar : public QObject, public StatusBar {
     Q_OBJECT
 
@@ -33,10 +54,7 @@ class QtStatusBar : public QObject, public StatusBar {
     bool eventFilter(QObject* object, QEvent* event) override;
 
   private:
-    QDBusConnection bus_;
-    Observers<> hostsChanged_;
-    Observers<> appearanceChanged_;
-    StatusNotifierWatcher watcher_;
+    mutable StatusHosts hosts_;
     int items_ = 0;
 };
 

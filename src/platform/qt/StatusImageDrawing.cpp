@@ -88,9 +88,8 @@ QImage drawStatusImage(const StatusImage& image, QSize pixels, bool isDark) {
     const Size symbol = symbolSizeOf(image.symbol);
     const QSize size(centredLength(symbol.width * scale, pixels.width()),
                      centredLength(symbol.height * scale, pixels.height()));
-    const QPointF offset(
-        (image.symbolOrigin.x + symbol.width / 2 - image.size.width / 2) * scale,
-        -(image.symbolOrigin.y + symbol.height / 2 - image.size.height / 2) * scale);
+    const QPointF offset((image.symbolOrigin.x + symbol.width / 2 - image.size.width / 2) * scale,
+                         -(image.symbolOrigin.y + symbol.height / 2 - image.size.height / 2) * scale);
     drawPin(painter, centredRect(size, pixels).translated(offset.toPoint()), image.symbol.name == "pin.fill",
             toQColor(image.tint, isDark));
     return drawn;

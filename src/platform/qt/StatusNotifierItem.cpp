@@ -102,8 +102,7 @@ QVariantMap StatusNotifierItem::properties() const {
             {QStringLiteral("AttentionIconName"), QString()},
             {QStringLiteral("AttentionIconPixmap"), none},
             {QStringLiteral("AttentionMovieName"), QString()},
-            {QStringLiteral("ToolTip"),
-             QVariant::fromValue(StatusNotifierToolTip{{}, {}, toolTip_, {}})},
+            {QStringLiteral("ToolTip"), QVariant::fromValue(StatusNotifierToolTip{{}, {}, toolTip_, {}})},
             {QStringLiteral("ItemIsMenu"), true},
             {QStringLiteral("Menu"), QVariant::fromValue(QDBusObjectPath(menuPath))}};
 }

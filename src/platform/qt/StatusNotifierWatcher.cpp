@@ -13,6 +13,8 @@ namespace {
 
 // A watcher that does not answer shows nothing.
 constexpr int answerMilliseconds = 2000;
+// A panel takes as long to restart; and when the bus itself goes, the library has noticed by then.
+constexpr int farewellMilliseconds = 1000;
 
 const auto service = QStringLiteral("org.kde.StatusNotifierWatcher");
 const auto path = QStringLiteral("/StatusNotifierWatcher");
@@ -33,6 +35,9 @@ StatusNotifierWatcher::StatusNotifierWatcher(QDBusConnection bus, std::function<
         state_ = State::noHost;
         return;
     }
+    farewell_.setSingleShot(true);
+    farewell_.setInterval(farewellMilliseconds);
+    connect(&farewell_, &QTimer::timeout, this, [this] { setState(State::noHost); });
     connect(&owner_, &QDBusServiceWatcher::serviceOwnerChanged, this, [this] { ask(); });
     for (const auto& name :
          {QStringLiteral("StatusNotifierHostRegistered"), QStringLiteral("StatusNotifierHostUnregistered")}) {
@@ -46,16 +51,20 @@ void StatusNotifierWatcher::ask() {
     auto message = callTo(QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
     message << service << QStringLiteral("IsStatusNotifierHostRegistered");
     auto* pending = new QDBusPendingCallWatcher(bus_.asyncCall(message, answerMilliseconds), this);
-    connect(pending, &QDBusPendingCallWatcher::finished, this,
-            [this, pending, question = ++question_] {
-                pending->deleteLater();
-                if (question != question_) {
-                    return;
-                }
-                const QDBusPendingReply<QDBusVariant> reply = *pending;
-                const bool isHost = reply.isValid() && reply.value().variant().toBool();
-                setState(isHost ? State::host : State::noHost);
-            });
+    connect(pending, &QDBusPendingCallWatcher::finished, this, [this, pending, question = ++question_] {
+        pending->deleteLater();
+        if (question != question_) {
+            return;
+        }
+        const QDBusPendingReply<QDBusVariant> reply = *pending;
+        const bool isHost = reply.isValid() && reply.value().variant().toBool();
+        if (!isHost && state_ == State::host) {
+            farewell_.start();
+            return;
+        }
+        farewell_.stop();
+        setState(isHost ? State::host : State::noHost);
+    });
 }
 
 void StatusNotifierWatcher::setState(State state) {

@@ -1,7 +1,8 @@
 // Whether a StatusNotifier host is there: the part of a panel that shows status items over the message bus
 // (org.kde.StatusNotifierWatcher).
 //
-// Threads: main thread; notices come from the event loop. Failure: on a bus that is not connected there is none.
+// Threads: main thread; notices come from the event loop. Failure: on a bus that is not connected there is
+// none.
 #pragma once
 
 #include "platform/qt/DBusSignal.h"
@@ -9,6 +10,7 @@
 #include <QDBusConnection>
 #include <QDBusServiceWatcher>
 #include <QObject>
+#include <QTimer>
 
 #include <functional>
 #include <memory>
@@ -22,8 +24,9 @@ class StatusNotifierWatcher : public QObject {
   public:
     enum class State { unknown, noHost, host };
 
-    // `changed` is called when the state changes, and also when hosts are registered anew: items have to be
-    // announced again then.
+    // A host that is gone counts as there for another second, which a panel takes to restart. `changed` is
+    // called when the state changes, and also when hosts are registered anew: items have to be announced
+    // again then.
     StatusNotifierWatcher(QDBusConnection bus, std::function<void()> changed);
 
     [[nodiscard]] State state() const { return state_; }
@@ -38,6 +41,7 @@ class StatusNotifierWatcher : public QObject {
     std::function<void()> changed_;
     State state_ = State::unknown;
     int question_ = 0; // answers to earlier ones are out of date
+    QTimer farewell_;  // runs while the host is gone and still counts
     QDBusServiceWatcher owner_;
     std::vector<std::unique_ptr<DBusSignal>> signals_;
 };

@@ -65,7 +65,8 @@ class Host : public QDBusVirtualObject {
         }
         if (command == QStringLiteral("tooltip")) {
             const QVariant value = property(QStringLiteral("ToolTip"));
-            return qdbus_cast<skylet::platform::qt::StatusNotifierToolTip>(value.value<QDBusArgument>()).title;
+            return qdbus_cast<skylet::platform::qt::StatusNotifierToolTip>(value.value<QDBusArgument>())
+                .title;
         }
         if (command == QStringLiteral("menu")) {
             return openMenu();
@@ -101,8 +102,9 @@ class Host : public QDBusVirtualObject {
         return items.join(u'|');
     }
     [[nodiscard]] static QString labelOf(const DBusMenuLayout& item) {
-        return item.properties.value(QStringLiteral("label")).toString().replace(QStringLiteral("__"),
-                                                                                 QStringLiteral("_"));
+        return item.properties.value(QStringLiteral("label"))
+            .toString()
+            .replace(QStringLiteral("__"), QStringLiteral("_"));
     }
     [[nodiscard]] static QString textOf(const DBusMenuLayout& item) {
         if (item.properties.value(QStringLiteral("type")).toString() == QStringLiteral("separator")) {
@@ -115,10 +117,11 @@ class Host : public QDBusVirtualObject {
     [[nodiscard]] QString choose(const QString& label) {
         for (const DBusMenuLayout& item : menu_.children) {
             if (labelOf(item) == label) {
-                const auto reply = callMenu(QStringLiteral("Event"),
-                                            {item.id, QStringLiteral("clicked"),
-                                             QVariant::fromValue(QDBusVariant(QString())), 0U});
-                return reply.type() == QDBusMessage::ReplyMessage ? QStringLiteral("ok") : reply.errorMessage();
+                const auto reply =
+                    callMenu(QStringLiteral("Event"), {item.id, QStringLiteral("clicked"),
+                                                       QVariant::fromValue(QDBusVariant(QString())), 0U});
+                return reply.type() == QDBusMessage::ReplyMessage ? QStringLiteral("ok")
+                                                                  : reply.errorMessage();
             }
         }
         return QStringLiteral("no such item");
