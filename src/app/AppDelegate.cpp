@@ -1,6 +1,7 @@
 #include "app/AppDelegate.h"
 
 #include "app/LegacyPreferences.h"
+#include "app/ZentroApplicationMenu.h"
 #include "foundation/PreferenceKeys.h"
 #include "foundation/Product.h"
 #include "foundation/Text.h"
@@ -22,12 +23,15 @@ constexpr double foreignWindowDelay = 0.1;
 
 AppDelegate::AppDelegate(const OverlayEnvironment& environment, AXScroller& scroller,
                          platform::EventTap& eventTap, platform::EventPoster& eventPoster,
+                         platform::Application& application, platform::StatusBar& statusBar,
                          AppCallbacks callbacks)
     : environment_(environment)
     , routes_(makeInputRoutes(scroller))
     , callbacks_(std::move(callbacks))
     , eventTap_(eventTap)
     , eventPoster_(eventPoster)
+    , application_(application)
+    , statusBar_(statusBar)
     , tracker_(environment_, routes_)
     , hotkey_(
           {eventTap, environment.accessibility, environment.defaults, environment.mainQueue, environment.log},
@@ -56,13 +60,24 @@ OverlayInputRoutes AppDelegate::makeInputRoutes(AXScroller& scroller) {
 }
 
 void AppDelegate::applicationDidFinishLaunching() {
+    ZentroApplicationMenu::install(application_, productName, callbacks_.terminate);
+    application_.setAccessoryActivationPolicy();
     promptForAccessibilityOnce();
     logPermissions();
     hotkey_.loadShortcut();
     hotkey_.republishHotkey();
     migrateLegacyPillColorKey(environment_.defaults);
+    createStatusItem();
+    visibilityObserver_ =
+        statusItemVisibility_.observeDidChange(lifetime_.guard([this] { applyStatusItemVisibility(); }));
+    tracker_.onChange = lifetime_.guard([this] {
+        updateIcon();
+        noteMenuChange();
+    });
     observeForeignWindows();
     hotkey_.registerHotkey();
+    screenObserver_ =
+        environment_.screens.observeDidChangeParameters(lifetime_.guard([this] { updateIcon(); }));
     wplog(environment_.log, [] { return std::string("Launched successfully"); });
 }
 
@@ -74,6 +89,10 @@ void AppDelegate::applicationWillTerminate() {
 
 bool AppDelegate::applicationShouldHandleReopen() {
     statusItemVisibility_.handleReopen();
+    // Where nothing shows the icon, opening the program again is the only way to its settings.
+    if (!statusBar_.isShown()) {
+        openSettings();
+    }
     return true;
 }
 
@@ -110,6 +129,7 @@ void AppDelegate::observeForeignWindows() {
 void AppDelegate::rememberForeignWindow() {
     if (auto window = frontmostForeignWindow()) {
         lastForeignWindow_ = std::move(window);
+        noteMenuChange();
     }
 }
 
@@ -145,29 +165,6 @@ void AppDelegate::logToggle(const char* action, const std::string& label, platfo
         return std::string("togglePin: ") + action + " '" + label + "' (wid=" + std::to_string(windowID) +
                ")";
     });
-}
-
-void AppDelegate::toggleFrontmost(const ForeignWindow& window) {
-    if (tracker_.isPinned(window.windowID)) {
-        tracker_.unpin(window.windowID);
-    } else {
-        tracker_.pin(window);
-    }
-}
-
-void AppDelegate::unpinMenuItem(platform::WindowID windowID) {
-    tracker_.unpin(windowID);
-}
-
-void AppDelegate::unpinAllAction() {
-    tracker_.unpinAll();
-}
-
-void AppDelegate::quit() {
-    tracker_.unpinAll();
-    if (callbacks_.terminate) {
-        callbacks_.terminate();
-    }
 }
 
 } // namespace skylet

@@ -5,16 +5,20 @@
 #pragma once
 
 #include "app/GlobalHotkey.h"
+#include "app/StatusMenu.h"
 #include "app/ZentroStatusItemVisibility.h"
 #include "foundation/Lifetime.h"
 #include "input/AXScroller.h"
 #include "overlay/OverlayEnvironment.h"
 #include "pinning/PinnedWindowTracker.h"
+#include "platform/Application.h"
 #include "platform/EventPoster.h"
 #include "platform/EventTap.h"
+#include "platform/StatusBar.h"
 #include "platform/Subscription.h"
 #include "windows/ForeignWindow.h"
 
+#include <memory>
 #include <optional>
 
 namespace skylet {
@@ -24,7 +28,8 @@ class AppDelegate {
     // The interfaces must outlive the controller. Nothing is observed before the launch but what the tracker
     // does.
     AppDelegate(const OverlayEnvironment& environment, AXScroller& scroller, platform::EventTap& eventTap,
-                platform::EventPoster& eventPoster, AppCallbacks callbacks);
+                platform::EventPoster& eventPoster, platform::Application& application,
+                platform::StatusBar& statusBar, AppCallbacks callbacks);
 
     void applicationDidFinishLaunching();
     void applicationWillTerminate();
@@ -36,7 +41,13 @@ class AppDelegate {
     void toggleFrontmost(const ForeignWindow& window);
     void unpinMenuItem(platform::WindowID windowID);
     void unpinAllAction();
+    void openSettings();
+    void openAbout();
+    void openUpdatesPage();
     void quit();
+
+    // Draws the status item's icon and tooltip again, from the preferences and the number of pinned windows.
+    void updateIcon();
 
     [[nodiscard]] PinnedWindowTracker& tracker() { return tracker_; }
     [[nodiscard]] GlobalHotkey& hotkey() { return hotkey_; }
@@ -47,6 +58,11 @@ class AppDelegate {
 
   private:
     [[nodiscard]] OverlayInputRoutes makeInputRoutes(AXScroller& scroller);
+    void createStatusItem();
+    void applyStatusItemVisibility();
+    [[nodiscard]] platform::Menu menuNeedsUpdate();
+    void noteMenuChange() const;
+    [[nodiscard]] StatusMenuActions menuActions();
     void logPermissions();
     void promptForAccessibilityOnce();
     void observeForeignWindows();
@@ -60,12 +76,17 @@ class AppDelegate {
     AppCallbacks callbacks_;
     platform::EventTap& eventTap_;
     platform::EventPoster& eventPoster_;
+    platform::Application& application_;
+    platform::StatusBar& statusBar_;
 
     PinnedWindowTracker tracker_;
     std::optional<ForeignWindow> lastForeignWindow_;
     platform::Subscription focusObserver;
     GlobalHotkey hotkey_;
     ZentroStatusItemVisibility statusItemVisibility_;
+    std::unique_ptr<platform::StatusItem> statusItem; // none while the user has it hidden
+    platform::Subscription visibilityObserver_;
+    platform::Subscription screenObserver_;
     Lifetime lifetime_;
 };
 

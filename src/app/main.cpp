@@ -7,8 +7,10 @@
 #include "platform/qt/AccessibilityTrust.h"
 #include "platform/qt/DBusBuses.h"
 #include "platform/qt/FileDefaults.h"
+#include "platform/qt/QtApplication.h"
 #include "platform/qt/QtMainQueue.h"
 #include "platform/qt/QtMessages.h"
+#include "platform/qt/QtStatusBar.h"
 #include "platform/qt/SerialQueues.h"
 #include "platform/qt/SessionLock.h"
 #include "platform/qt/SingleInstance.h"
@@ -117,6 +119,8 @@ int run(QApplication& application, qt::QtMessages& messages) {
 
     qt::AccessibilityTrust trust(sessionBus);
     qt::SessionLock sessionLock(sessionBus, qt::systemBus());
+    qt::QtApplication windows;
+    qt::QtStatusBar statusBar(sessionBus);
     x11::X11Desktop desktop(connection, {mainQueue, queues, trust, sessionLock});
     const auto scrolling = x11::X11WorkerDesktop::open({}, mainQueue, sessionBus);
     if (!scrolling.desktop) {
@@ -140,7 +144,8 @@ int run(QApplication& application, qt::QtMessages& messages) {
                                   .defaults = defaults,
                                   .mainQueue = mainQueue,
                                   .log = log},
-                                 scroller, desktop.eventTap(), desktop.eventPoster(), makeCallbacks());
+                                 scroller, desktop.eventTap(), desktop.eventPoster(), windows, statusBar,
+                                 makeCallbacks());
     reopened = [&delegate] {
         delegate.applicationShouldHandleReopen();
     };
@@ -174,6 +179,5 @@ int main(int argc, char** argv) {
     QApplication::setOrganizationDomain(QStringLiteral("corvane.com"));
     QApplication::setDesktopFileName(QString::fromLatin1(skylet::bundleIdentifier));
     QApplication::setApplicationVersion(QStringLiteral(SKYLET_VERSION));
-    QApplication::setQuitOnLastWindowClosed(false);
     return run(application, messages);
 }

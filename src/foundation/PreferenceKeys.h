@@ -23,6 +23,9 @@ constexpr std::string_view forwardEvents = "forwardEvents";
 // bool, false: whether new overlays show on every desktop.
 constexpr std::string_view pinToAllSpaces = "pinToAllSpaces";
 
+// bool, false: whether the status item's icon has a background.
+constexpr std::string_view menuBarPillEnabled = "menuBarPillEnabled";
+
 // bool, false: whether new overlays test their window's accessibility scrolling. Set by the user outside the
 // program, as is the next.
 constexpr std::string_view axScrollProbe = "axScrollProbe";

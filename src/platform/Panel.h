@@ -5,6 +5,7 @@
 // Threads: main thread only. Failure: none reported; a panel that the window server lost stays a dead object.
 #pragma once
 
+#include "platform/Color.h"
 #include "platform/InputEvent.h"
 #include "platform/ScreenCapture.h"
 #include "platform/Types.h"
@@ -41,14 +42,6 @@ struct PanelConfiguration {
 };
 
 // Vector drawing of a decoration, in the decoration's own coordinates (bottom-left origin), in points.
-struct Color {
-    double red = 0;
-    double green = 0;
-    double blue = 0;
-    double alpha = 1;
-    bool operator==(const Color&) const = default;
-};
-
 struct FilledRoundedRect {
     Rect rect;
     double cornerRadius = 0;

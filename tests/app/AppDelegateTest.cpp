@@ -31,10 +31,10 @@ class AppDelegateTest : public testing::Test {
     }
     std::unique_ptr<AppDelegate> make() {
         return std::make_unique<AppDelegate>(
-            desktop.environment, desktop.scroller, desktop.eventTap, desktop.eventPoster,
-            AppCallbacks{.reportToUser = {}, .fatal = {}, .terminate = [this] {
-                             ++terminations;
-                         }});
+            desktop.environment, desktop.scroller, desktop.eventTap, desktop.eventPoster, desktop.application,
+            desktop.statusBar, AppCallbacks{.reportToUser = {}, .fatal = {}, .terminate = [this] {
+                                                ++terminations;
+                                            }});
     }
     Lines toggle() {
         (void)desktop.takeLog();
@@ -165,7 +165,8 @@ TEST_F(AppDelegateTest, ShutdownEndsTheRetryTheTapTheObserverAndThePins) {
 
     sim::SimulatedDesktop waiting;
     waiting.eventTap.canCreate = false;
-    AppDelegate other(waiting.environment, waiting.scroller, waiting.eventTap, waiting.eventPoster, {});
+    AppDelegate other(waiting.environment, waiting.scroller, waiting.eventTap, waiting.eventPoster,
+                      waiting.application, waiting.statusBar, {});
     other.applicationDidFinishLaunching();
     other.applicationWillTerminate();
     waiting.advance(10);

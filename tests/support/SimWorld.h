@@ -103,7 +103,11 @@ class SimWorkspace final : public platform::Workspace {
     bool activate(platform::ProcessID pid) override;
     [[nodiscard]] platform::Subscription observeDidActivateApplication(ApplicationNotice notice) override;
     [[nodiscard]] platform::Subscription observeDidTerminateApplication(ApplicationNotice notice) override;
-    bool openURL(const std::string& /*url*/) override { return true; }
+    std::vector<std::string> openedURLs;
+    bool openURL(const std::string& url) override {
+        openedURLs.push_back(url);
+        return true;
+    }
     [[nodiscard]] bool isSystemVersion27OrLater() const override { return version27; }
 
   private:
@@ -126,6 +130,7 @@ class SimScreens final : public platform::Screens {
     [[nodiscard]] platform::Subscription observeDidChangeParameters(std::function<void()> notice) override {
         return didChange_.observe(std::move(notice));
     }
+    void postDidChangeParameters() { didChange_.post(); }
 
   private:
     Notice<> didChange_;

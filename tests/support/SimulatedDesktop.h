@@ -11,6 +11,7 @@
 #include "support/SimKeys.h"
 #include "support/SimPanel.h"
 #include "support/SimQueues.h"
+#include "support/SimStatusBar.h"
 #include "support/SimWorld.h"
 #include "windows/ForeignWindow.h"
 
@@ -63,6 +64,8 @@ class SimulatedDesktop {
     SimPanelFactory panels;
     SimEventTap eventTap;
     SimEventPoster eventPoster;
+    SimMainMenu application;
+    SimStatusBar statusBar;
     DiagnosticsLog log;
     OverlayEnvironment environment{windowServer, accessibility, capture,   panels, workspace,
                                    screens,      defaults,      mainQueue, log};

@@ -129,7 +129,14 @@ void X11Workspace::handleTermination(ProcessID pid) {
 }
 
 bool X11Workspace::openURL(const std::string& url) {
-    return QProcess::startDetached(QStringLiteral("xdg-open"), {QString::fromStdString(url)});
+    QProcess opener;
+    opener.setProgram(QStringLiteral("xdg-open"));
+    opener.setArguments({QString::fromStdString(url)});
+    // A browser talks a lot, and for as long as it runs.
+    opener.setStandardInputFile(QProcess::nullDevice());
+    opener.setStandardOutputFile(QProcess::nullDevice());
+    opener.setStandardErrorFile(QProcess::nullDevice());
+    return opener.startDetached();
 }
 
 } // namespace skylet::platform::x11

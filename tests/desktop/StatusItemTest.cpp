@@ -1,0 +1,93 @@
+// The status item over the message bus: its menu, and hosts that come and go.
+#include "DesktopTest.h"
+
+namespace skylet::desktop {
+namespace {
+
+const std::string hidden = "ZentroStatusItemVisibility.Hidden.com.corvane.skylet";
+const std::string top = "Informazioni su Skylet|Controlla aggiornamenti|-|";
+const std::string bottom = "|-|Impostazioni…|-|Esci da Skylet";
+
+class StatusItemTest : public DesktopTest {
+  protected:
+    void SetUp() override { PREPARE(openDesktop()); }
+    void startHost() { host_ = desktop().start({SKYLET_STATUS_HOST}, "host.err"); }
+    std::string ask(const std::string& command) {
+        host_.write(command + "\n");
+        return host_.readLine().value_or("no answer");
+    }
+    [[nodiscard]] bool hasItems(int count) {
+        return eventually([&] { return ask("items") == std::to_string(count); });
+    }
+    [[nodiscard]] bool menuBecomes(const std::string& middle) {
+        return eventually([&] { return ask("menu") == top + middle + bottom; });
+    }
+
+    Process host_;
+};
+
+TEST_F(StatusItemTest, MenuPinsAndUnpins) {
+    PREPARE(openPuppet());
+    startHost();
+    const Window first = puppet().open("100 90 480 320 title=first_one");
+    const Window second = puppet().open("500 90 480 320 title=second");
+    PREPARE(launch());
+    ASSERT_TRUE(hasItems(1));
+    EXPECT_EQ(ask("tooltip"), "Skylet");
+
+    // The menu speaks of the window that became active last, so another application has to be in front first.
+    Puppet other(desktop());
+    PREPARE(bringToFront(other.open("900 500 200 200 title=other")));
+    PREPARE(bringToFront(first));
+    ASSERT_TRUE(menuBecomes("Fissa «first_one»")) << ask("menu");
+    EXPECT_EQ(ask("click Fissa «first_one»"), "ok");
+    EXPECT_TRUE(skylet().waitForLog("pin: overlay created for wid=" + std::to_string(first)));
+    EXPECT_TRUE(menuBecomes("Sblocca «first_one»|-|(Finestre fissate)|*  Puppet — first_one|-|Sblocca tutte"))
+        << ask("menu");
+    EXPECT_EQ(ask("tooltip"), "Skylet — 1 finestre fissate");
+
+    PREPARE(bringToFront(other.open("900 500 220 220 title=another")));
+    PREPARE(bringToFront(second));
+    ASSERT_TRUE(menuBecomes("Fissa «second»|-|(Finestre fissate)|*  Puppet — first_one|-|Sblocca tutte"))
+        << ask("menu");
+    EXPECT_EQ(ask("click Fissa «second»"), "ok");
+    EXPECT_TRUE(eventually([&] { return ask("tooltip") == "Skylet — 2 finestre fissate"; }));
+    // What the panel displays is the menu from before the second pin.
+    EXPECT_EQ(ask("click   Puppet — first_one"), "ok");
+    EXPECT_TRUE(menuBecomes("Sblocca «second»|-|(Finestre fissate)|*  Puppet — second|-|Sblocca tutte"))
+        << ask("menu");
+    EXPECT_EQ(ask("click Sblocca tutte"), "ok");
+    EXPECT_TRUE(menuBecomes("Fissa «second»")) << ask("menu");
+    EXPECT_TRUE(eventually([&] { return skylet().overlays().empty(); }));
+
+    EXPECT_EQ(ask("click Esci da Skylet"), "ok");
+    EXPECT_EQ(skylet().process().waitForExit(), 0);
+    EXPECT_TRUE(hasItems(0));
+    endSkylet();
+}
+
+TEST_F(StatusItemTest, AppearsInHostsThatComeLaterAndComeBack) {
+    PREPARE(launch());
+    for (int round = 0; round < 3; ++round) {
+        startHost();
+        EXPECT_TRUE(hasItems(1));
+        EXPECT_EQ(ask("tooltip"), "Skylet");
+        host_.stop();
+    }
+}
+
+TEST_F(StatusItemTest, HiddenOneComesBackWhenTheProgramIsStartedAgain) {
+    startHost();
+    PREPARE(launch({{hidden, "true"}}));
+    EXPECT_TRUE(throughout(std::chrono::milliseconds(300), [&] { return ask("items") == "0"; }));
+    for (int start = 0; start < 2; ++start) {
+        Process second = desktop().start({SKYLET_PROGRAM});
+        EXPECT_EQ(second.waitForExit(), 0);
+        EXPECT_TRUE(hasItems(1));
+    }
+    EXPECT_NE(readFile(desktop().configPath("Skylet/skylet.conf")).find(hidden + "=false"),
+              std::string::npos);
+}
+
+} // namespace
+} // namespace skylet::desktop
