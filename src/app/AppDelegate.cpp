@@ -140,6 +140,18 @@ void AppDelegate::unpinAllAction() {
     tracker_.unpinAll();
 }
 
+void AppDelegate::openSettings() {
+    if (callbacks_.openSettings) {
+        callbacks_.openSettings();
+    }
+}
+
+void AppDelegate::openAbout() {
+    if (callbacks_.openAbout) {
+        callbacks_.openAbout();
+    }
+}
+
 void AppDelegate::quit() {
     tracker_.unpinAll();
     if (callbacks_.terminate) {

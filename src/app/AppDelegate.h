@@ -35,6 +35,8 @@ class AppDelegate {
     void toggleFrontmost(const ForeignWindow& window);
     void unpinMenuItem(platform::WindowID windowID);
     void unpinAllAction();
+    void openSettings();
+    void openAbout();
     void quit();
 
     [[nodiscard]] PinnedWindowTracker& tracker() { return tracker_; }

@@ -23,6 +23,9 @@ constexpr std::string_view forwardEvents = "forwardEvents";
 // bool, false: whether new overlays show on every desktop.
 constexpr std::string_view pinToAllSpaces = "pinToAllSpaces";
 
+// bool, false: whether the status item's icon has a background.
+constexpr std::string_view menuBarPillEnabled = "menuBarPillEnabled";
+
 // Legacy, any type: removed once, see LegacyPreferences.h.
 constexpr std::string_view menuBarPillColor = "menuBarPillColor";
 // bool, false: whether the legacy key was removed.

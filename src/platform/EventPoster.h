@@ -10,6 +10,8 @@ class EventPoster {
     virtual ~EventPoster() = default;
     // The permission to post events.
     [[nodiscard]] virtual bool preflightPostAccess() = 0;
+    // Asks the user for it where it can be asked for; answers whether it is given now.
+    virtual bool requestPostAccess() = 0;
 };
 
 } // namespace skylet::platform

@@ -45,6 +45,9 @@ class SimEventTap final : public platform::EventTap {
     [[nodiscard]] bool exists() const override { return static_cast<bool>(callback_); }
     void setEnabled(bool value) override { enabled = value; }
     [[nodiscard]] std::optional<std::string> failureReason() const override { return reason; }
+    [[nodiscard]] std::optional<platform::KeyRefusal> refusal() const override {
+        return keyIsFree ? std::nullopt : std::optional(platform::KeyRefusal::heldByAnotherProgram);
+    }
     [[nodiscard]] bool mayCreate() const override { return permitted; }
     [[nodiscard]] bool preflightListenAccess() override { return permitted; }
 
@@ -56,7 +59,15 @@ class SimEventPoster final : public platform::EventPoster {
   public:
     bool permitted = true;
 
+    bool grantsOnRequest = false;
+    int requests = 0;
+
     [[nodiscard]] bool preflightPostAccess() override { return permitted; }
+    bool requestPostAccess() override {
+        ++requests;
+        permitted = permitted || grantsOnRequest;
+        return permitted;
+    }
 };
 
 } // namespace skylet::sim

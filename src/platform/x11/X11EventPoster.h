@@ -15,6 +15,8 @@ class X11EventPoster : public EventPoster {
         return connection_.extensions().xtest && connection_.extensions().xinput;
     }
 
+    bool requestPostAccess() override { return preflightPostAccess(); }
+
   private:
     const Connection& connection_;
 };

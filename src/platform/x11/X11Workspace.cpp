@@ -1,10 +1,12 @@
 #include "platform/x11/X11Workspace.h"
 
+#include "platform/qt/SettingsProgram.h"
 #include "platform/x11/ClientPid.h"
 #include "platform/x11/EventWindow.h"
 #include "platform/x11/WindowActivation.h"
 
 #include <QProcess>
+#include <QStandardPaths>
 
 #include <algorithm>
 #include <unistd.h>
@@ -129,7 +131,18 @@ void X11Workspace::handleTermination(ProcessID pid) {
 }
 
 bool X11Workspace::openURL(const std::string& url) {
-    return QProcess::startDetached(QStringLiteral("xdg-open"), {QString::fromStdString(url)});
+    const QString text = QString::fromStdString(url);
+    if (text.startsWith(QStringLiteral("x-apple.systempreferences:"))) {
+        auto command = qt::settingsProgram(
+            text, qEnvironmentVariable("XDG_CURRENT_DESKTOP"),
+            [](const QString& program) { return !QStandardPaths::findExecutable(program).isEmpty(); });
+        if (!command) {
+            return false;
+        }
+        const QString program = command->takeFirst();
+        return QProcess::startDetached(program, *command);
+    }
+    return QProcess::startDetached(QStringLiteral("xdg-open"), {text});
 }
 
 } // namespace skylet::platform::x11

@@ -1,0 +1,36 @@
+// The row with which the user records the global shortcut.
+#pragma once
+
+#include "settings/ZentroShortcutRecorder.h"
+#include "settings/views/FormSection.h"
+
+class QPushButton;
+
+namespace skylet {
+
+class ZentroShortcutRecorderRow : public FormRow {
+  public:
+    // The monitor and the tap must outlive the row.
+    ZentroShortcutRecorderRow(platform::KeyDownMonitor& monitor,
+                              ZentroShortcutRecorder::Connections connections);
+
+    // Shows what may have changed from outside.
+    void refresh();
+
+  protected:
+    // A row that disappears stops recording.
+    void hideEvent(QHideEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+  private:
+    class Controls;
+    ZentroShortcutRecorderRow(platform::KeyDownMonitor& monitor,
+                              ZentroShortcutRecorder::Connections connections, Controls* controls);
+
+    ZentroShortcutRecorder recorder_;
+    Controls* controls_;
+    bool wasRecording_ = false;
+    platform::Subscription changes_;
+};
+
+} // namespace skylet
