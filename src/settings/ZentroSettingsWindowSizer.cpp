@@ -9,9 +9,11 @@ ZentroSettingsWindowSizer::ZentroSettingsWindowSizer(Window& window, platform::S
                                                      platform::MainQueue& mainQueue)
     : window_(window)
     , screens_(screens)
-    , mainQueue_(mainQueue)
-    , screenChanges_(screens.observeDidChangeParameters(lifetime_.guard([this] { displaysChanged(); })))
-    , windowChanges_(window.observeDidChangeScreen(lifetime_.guard([this] { displaysChanged(); }))) {}
+    , mainQueue_(mainQueue) {
+    const auto changed = lifetime_.guard([this] { displaysChanged(); });
+    screenChanges_ = screens.observeDidChangeParameters(changed);
+    windowChanges_ = window.observeDidChangeScreen(changed);
+}
 
 void ZentroSettingsWindowSizer::displaysChanged() {
     mainQueue_.async(lifetime_.guard([this] { clamp(); }));

@@ -110,6 +110,7 @@ class SimScreens final : public platform::Screens {
   public:
     std::vector<platform::Screen> all{
         {.frame = {0, 0, 1920, 1080}, .visibleFrame = {}, .backingScaleFactor = 1}};
+    void postDidChange() { didChange_.post(); }
 
     [[nodiscard]] std::vector<platform::Screen> screens() override { return all; }
     [[nodiscard]] std::optional<platform::Screen> mainScreen() override {

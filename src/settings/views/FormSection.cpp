@@ -24,12 +24,15 @@ QBoxLayout* columnIn(QWidget& widget) {
 
 } // namespace
 
-FormRow::FormRow(const QString& title, QWidget* control, const QString& caption, QWidget* named)
+FormRow::FormRow(const QString& title, QWidget* control, const QString& caption, QWidget* named, int overhang)
     : named_(named != nullptr ? named : control)
     , caption_(new ToneLabel({}, ToneLabel::Size::caption, FormStyle::Tone::secondary)) {
     auto* column = columnIn(*this);
     auto* line = new QHBoxLayout;
     line->setSpacing(FormStyle::lines(controlGap));
+    QMargins margins = column->contentsMargins();
+    margins.setRight(margins.right() - overhang);
+    column->setContentsMargins(margins);
     line->addWidget(new ToneLabel(title, ToneLabel::Size::body, FormStyle::Tone::primary), 1);
     line->addWidget(control, 0, Qt::AlignVCenter);
     column->addLayout(line);

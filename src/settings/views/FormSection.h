@@ -11,8 +11,9 @@ namespace skylet {
 class FormRow : public QWidget {
   public:
     // Takes the control. Title and caption become what screen readers say about `named`, or about the control
-    // where that is null.
-    FormRow(const QString& title, QWidget* control, const QString& caption = {}, QWidget* named = nullptr);
+    // where that is null. The control may reach `overhang` pixels beyond the trailing edge.
+    FormRow(const QString& title, QWidget* control, const QString& caption = {}, QWidget* named = nullptr,
+            int overhang = 0);
 
     // An empty text hides the caption.
     void setCaption(const QString& caption);

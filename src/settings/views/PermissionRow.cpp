@@ -1,10 +1,10 @@
 #include "settings/views/PermissionRow.h"
 
 #include "settings/views/CheckMark.h"
+#include "settings/views/FormButton.h"
 #include "settings/views/FormSection.h"
 
 #include <QHBoxLayout>
-#include <QPushButton>
 
 #include <utility>
 
@@ -18,7 +18,7 @@ constexpr double markGap = 0.3;
 
 PermissionRow::PermissionRow(ZentroPermissionWatcher& watcher, const Texts& texts,
                              std::function<void()> allow)
-    : button_(new QPushButton(FormStyle::text("Consenti accesso")))
+    : button_(new FormButton(FormStyle::text("Consenti accesso")))
     , granted_(new QWidget)
     , changes_(watcher.observeWillChange([this](bool next) { show(next); })) {
     auto* mark = new QHBoxLayout(granted_);
@@ -37,8 +37,7 @@ PermissionRow::PermissionRow(ZentroPermissionWatcher& watcher, const Texts& text
     // The row keeps its height when the one takes the place of the other.
     state->setMinimumHeight(button_->sizeHint().height());
 
-    button_->setAutoDefault(true); // the Return key presses it as well
-    QObject::connect(button_, &QPushButton::clicked, button_, [allow = std::move(allow)] { allow(); });
+    QObject::connect(button_, &QAbstractButton::clicked, button_, [allow = std::move(allow)] { allow(); });
 
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);

@@ -9,9 +9,9 @@
 
 #include <functional>
 
-class QPushButton;
-
 namespace skylet {
+
+class FormButton;
 
 class PermissionRow : public QWidget {
   public:
@@ -27,7 +27,7 @@ class PermissionRow : public QWidget {
   private:
     void show(bool isGranted);
 
-    QPushButton* button_;
+    FormButton* button_;
     QWidget* granted_;
     platform::Subscription changes_;
 };

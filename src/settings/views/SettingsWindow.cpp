@@ -119,6 +119,10 @@ void SettingsWindow::showWindow(const ZentroSettingsView::Configuration& configu
     window_->bringForward(services_.ownWindows);
     scrollToTop();
     sizer_ = std::make_unique<ZentroSettingsWindowSizer>(*window_, services_.screens, services_.mainQueue);
+    // Rows that come and go change the window rather than make it scroll.
+    window_->view().onFittingSizeChange = [this] {
+        sizer_->displaysChanged();
+    };
 }
 
 void SettingsWindow::create(const ZentroSettingsView::Configuration& configuration, QWidget* content) {

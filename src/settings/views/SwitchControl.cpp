@@ -8,17 +8,16 @@ namespace skylet {
 
 namespace {
 
-constexpr double trackLines = 1.05;
+constexpr double trackLines = 1.2;
 constexpr double trackAspect = 1.75;
 constexpr double focusWidth = 2;
-constexpr double focusGap = 1.5;
+constexpr double focusGap = 1;
 constexpr double controlContrast = 3.1; // of a control's outline against its ground
 
 // The track in the middle of the control, with room for the focus ring.
 QRectF trackIn(const QRectF& control) {
-    const double margin = focusWidth + focusGap;
-    const double height = control.height() - 2 * margin;
-    return {control.center().x() - height * trackAspect / 2, margin, height * trackAspect, height};
+    const double margin = SwitchControl::overhang();
+    return control.adjusted(margin, margin, -margin, -margin);
 }
 
 QColor trackColor(const QPalette& palette, bool isOn) {
@@ -44,10 +43,13 @@ SwitchControl::SwitchControl() {
     setFocusPolicy(Qt::StrongFocus);
 }
 
+int SwitchControl::overhang() {
+    return static_cast<int>(focusWidth + focusGap);
+}
+
 QSize SwitchControl::sizeHint() const {
     const int height = FormStyle::lines(trackLines);
-    const int margin = static_cast<int>(2 * (focusWidth + focusGap));
-    return {static_cast<int>(height * trackAspect) + margin, height + margin};
+    return {static_cast<int>(height * trackAspect) + 2 * overhang(), height + 2 * overhang()};
 }
 
 void SwitchControl::paintEvent(QPaintEvent* /*event*/) {

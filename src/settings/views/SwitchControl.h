@@ -11,6 +11,9 @@ class SwitchControl : public QCheckBox {
   public:
     SwitchControl();
 
+    // How far the focus ring reaches beyond the switch, which is to be aligned without it.
+    [[nodiscard]] static int overhang();
+
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 

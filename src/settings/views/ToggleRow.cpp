@@ -9,7 +9,7 @@
 namespace skylet {
 
 ToggleRow::ToggleRow(const QString& title, SwitchControl* control, const QString& caption)
-    : FormRow(title, control, caption)
+    : FormRow(title, control, caption, nullptr, SwitchControl::overhang())
     , control_(control) {}
 
 ToggleRow::ToggleRow(const QString& title, bool isOn, std::function<void(bool)> onToggled,

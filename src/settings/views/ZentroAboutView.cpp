@@ -1,10 +1,10 @@
 #include "settings/views/ZentroAboutView.h"
 
 #include "settings/views/ApplicationIcon.h"
+#include "settings/views/FormButton.h"
 #include "settings/views/ToneLabel.h"
 
 #include <QPainter>
-#include <QPushButton>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -27,6 +27,15 @@ ToneLabel* centred(const QString& text, ToneLabel::Size size, FormStyle::Tone to
     auto* label = new ToneLabel(text, size, tone, ToneLabel::Ground::window);
     label->setAlignment(Qt::AlignHCenter);
     return label;
+}
+
+// Lines of about the same length instead of a last one of one word.
+void balance(ToneLabel& label, int width) {
+    const int height = label.heightForWidth(width);
+    while (width > 1 && label.heightForWidth(width - 1) == height) {
+        --width;
+    }
+    label.setFixedWidth(width);
 }
 
 class Divider : public QWidget {
@@ -67,13 +76,14 @@ ZentroAboutView::ZentroAboutView(const QString& appName, const BundleInfo& bundl
     texts->setSpacing(textSpacing);
     texts->addWidget(centred(FormStyle::text("Realizzato per Corvane"), ToneLabel::Size::mediumCaption,
                              FormStyle::Tone::primary));
-    texts->addWidget(centred(FormStyle::text("Una finestra flottante ridimensionabile per le tue app."),
-                             ToneLabel::Size::caption, FormStyle::Tone::secondary));
+    auto* tagline = centred(FormStyle::text("Una finestra flottante ridimensionabile per le tue app."),
+                            ToneLabel::Size::caption, FormStyle::Tone::secondary);
+    balance(*tagline, width() - 2 * padding);
+    texts->addWidget(tagline, 0, Qt::AlignHCenter);
     column->addLayout(texts);
 
-    auto* button = new QPushButton(FormStyle::text("Chiudi"));
-    button->setAutoDefault(true); // the Return key presses it as well
-    QObject::connect(button, &QPushButton::clicked, button, [close = std::move(close)] { close(); });
+    auto* button = new FormButton(FormStyle::text("Chiudi"));
+    QObject::connect(button, &QAbstractButton::clicked, button, [close = std::move(close)] { close(); });
     column->addWidget(button, 0, Qt::AlignHCenter);
 }
 

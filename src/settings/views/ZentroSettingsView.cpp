@@ -1,9 +1,11 @@
 #include "settings/views/ZentroSettingsView.h"
 
+#include "settings/views/FormButton.h"
 #include "settings/views/FormSection.h"
 #include "settings/views/ToggleRow.h"
 
-#include <QPushButton>
+#include <QEvent>
+#include <QPainter>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QVBoxLayout>
@@ -15,12 +17,20 @@ namespace skylet {
 
 namespace {
 
-constexpr double preferredWidth = 31; // lines: the longest caption takes three
+constexpr double preferredWidth = 40; // lines: no caption but one takes more than one and a half
 constexpr double formMargin = 1.2;
 constexpr double sectionGap = 1.1;
 constexpr int formTopPadding = 8;
 constexpr int barPaddingX = 16;
 constexpr int barPaddingY = 12;
+
+// Divides the form, which may scroll, from the bar.
+class BottomBar : public QWidget {
+  protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter(this).fillRect(QRect(0, 0, width(), 1), FormStyle::hairlineColor(palette()));
+    }
+};
 
 } // namespace
 
@@ -29,7 +39,7 @@ ZentroSettingsView::ZentroSettingsView(const Configuration& configuration, QWidg
                                        std::function<void()> close)
     : loginItem_(loginItem)
     , form_(new QScrollArea)
-    , bottomBar_(new QWidget) {
+    , bottomBar_(new BottomBar) {
     auto* sections = new QWidget;
     auto* column = new QVBoxLayout(sections);
     column->setContentsMargins(FormStyle::lines(formMargin), FormStyle::lines(0.4) + formTopPadding,
@@ -53,15 +63,15 @@ ZentroSettingsView::ZentroSettingsView(const Configuration& configuration, QWidg
     column->addStretch(1);
 
     form_->setWidget(sections);
+    sections->installEventFilter(this);
     form_->setWidgetResizable(true);
     form_->setFrameShape(QFrame::NoFrame);
     form_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     form_->setFocusPolicy(Qt::NoFocus);
     form_->setAccessibleName(configuration.appName);
 
-    auto* done = new QPushButton(FormStyle::text("Fine"));
-    done->setAutoDefault(true); // the Return key presses it as well
-    QObject::connect(done, &QPushButton::clicked, done, [close = std::move(close)] { close(); });
+    auto* done = new FormButton(FormStyle::text("Fine"));
+    QObject::connect(done, &QAbstractButton::clicked, done, [close = std::move(close)] { close(); });
     auto* bar = new QHBoxLayout(bottomBar_);
     bar->setContentsMargins(barPaddingX, barPaddingY, barPaddingX, barPaddingY);
     bar->addStretch(1);
@@ -79,6 +89,13 @@ platform::Size ZentroSettingsView::fittingSize() const {
     const int width = std::max(FormStyle::lines(preferredWidth), sections.minimumSizeHint().width());
     const int height = sections.layout()->totalHeightForWidth(width) + bottomBar_->sizeHint().height();
     return {static_cast<double>(width), static_cast<double>(height)};
+}
+
+bool ZentroSettingsView::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::LayoutRequest && watched == form_->widget() && onFittingSizeChange) {
+        onFittingSizeChange();
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void ZentroSettingsView::scrollToTop() {

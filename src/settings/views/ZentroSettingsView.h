@@ -30,8 +30,13 @@ class ZentroSettingsView : public QWidget {
     // The size in which everything is seen at once.
     [[nodiscard]] platform::Size fittingSize() const;
     void scrollToTop();
+    // Called after the content may want another size.
+    std::function<void()> onFittingSizeChange;
     // Shows what may have changed outside the program.
     void refresh();
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
     void changeLaunchAtLogin(bool isOn);

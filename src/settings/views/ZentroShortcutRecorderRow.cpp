@@ -1,10 +1,10 @@
 #include "settings/views/ZentroShortcutRecorderRow.h"
 
 #include "settings/L10n.h"
+#include "settings/views/FormButton.h"
 
 #include <QHBoxLayout>
 #include <QHideEvent>
-#include <QPushButton>
 
 #include <utility>
 
@@ -32,33 +32,28 @@ class ZentroShortcutRecorderRow::Controls : public QWidget {
     Controls()
         : shortcut(new ToneLabel({}, ToneLabel::Size::caption, FormStyle::Tone::secondary))
         , hint(new ToneLabel({}, ToneLabel::Size::caption, FormStyle::Tone::notice))
-        , clear(new QPushButton(keyed("shortcut.clear", "Rimuovi")))
-        , change(new QPushButton(keyed("shortcut.change", "Modifica…")))
-        , cancel(new QPushButton(keyed("shortcut.cancel", "Annulla"))) {
+        , clear(new FormButton(keyed("shortcut.clear", "Rimuovi"), FormButton::Size::caption))
+        , change(new FormButton(keyed("shortcut.change", "Modifica…"), FormButton::Size::caption))
+        , cancel(new FormButton(keyed("shortcut.cancel", "Annulla"), FormButton::Size::caption)) {
         auto* line = new QHBoxLayout(this);
         line->setContentsMargins(0, 0, 0, 0);
         line->setSpacing(FormStyle::lines(controlSpacing));
         shortcut->setWordWrap(false);
         hint->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        // The longer hint takes two lines; the row is not to jump when it comes.
+        setMinimumHeight(2 * hint->fontMetrics().lineSpacing() + 1);
         line->addWidget(shortcut);
         line->addWidget(hint, 1);
-        for (QPushButton* button : {clear, change, cancel}) {
-            button->setAutoDefault(true); // the Return key presses it as well
+        for (FormButton* button : {clear, change, cancel}) {
             line->addWidget(button);
-        }
-        restyle();
-    }
-    void restyle() {
-        for (QPushButton* button : {clear, change, cancel}) {
-            button->setFont(FormStyle::captionFont());
         }
     }
 
     ToneLabel* shortcut;
     ToneLabel* hint;
-    QPushButton* clear;
-    QPushButton* change;
-    QPushButton* cancel;
+    FormButton* clear;
+    FormButton* change;
+    FormButton* cancel;
 };
 
 ZentroShortcutRecorderRow::ZentroShortcutRecorderRow(platform::KeyDownMonitor& monitor,
@@ -74,12 +69,14 @@ ZentroShortcutRecorderRow::ZentroShortcutRecorderRow(platform::KeyDownMonitor& m
     , changes_(recorder_.observeDidChange([this] { refresh(); })) {
     captionLabel().setTone(FormStyle::Tone::notice);
     const QString label = QString::fromStdString(recorder_.label());
-    for (QPushButton* button : {controls_->clear, controls_->change, controls_->cancel}) {
+    for (FormButton* button : {controls_->clear, controls_->change, controls_->cancel}) {
         button->setAccessibleName(button->text() + QStringLiteral(" — ") + label);
     }
-    QObject::connect(controls_->change, &QPushButton::clicked, this, [this] { recorder_.startRecording(); });
-    QObject::connect(controls_->cancel, &QPushButton::clicked, this, [this] { recorder_.stopRecording(); });
-    QObject::connect(controls_->clear, &QPushButton::clicked, this, [this] { recorder_.clear(); });
+    QObject::connect(controls_->change, &QAbstractButton::clicked, this,
+                     [this] { recorder_.startRecording(); });
+    QObject::connect(controls_->cancel, &QAbstractButton::clicked, this,
+                     [this] { recorder_.stopRecording(); });
+    QObject::connect(controls_->clear, &QAbstractButton::clicked, this, [this] { recorder_.clear(); });
     refresh();
 }
 
@@ -118,13 +115,6 @@ void ZentroShortcutRecorderRow::hideEvent(QHideEvent* event) {
     FormRow::hideEvent(event);
     if (!event->spontaneous()) {
         recorder_.stopRecording();
-    }
-}
-
-void ZentroShortcutRecorderRow::changeEvent(QEvent* event) {
-    FormRow::changeEvent(event);
-    if (event->type() == QEvent::ApplicationFontChange) {
-        controls_->restyle();
     }
 }
 

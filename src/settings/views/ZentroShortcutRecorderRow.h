@@ -4,8 +4,6 @@
 #include "settings/ZentroShortcutRecorder.h"
 #include "settings/views/FormSection.h"
 
-class QPushButton;
-
 namespace skylet {
 
 class ZentroShortcutRecorderRow : public FormRow {
@@ -20,7 +18,6 @@ class ZentroShortcutRecorderRow : public FormRow {
   protected:
     // A row that disappears stops recording.
     void hideEvent(QHideEvent* event) override;
-    void changeEvent(QEvent* event) override;
 
   private:
     class Controls;
