@@ -95,7 +95,11 @@ class SimWorkspace final : public platform::Workspace {
     bool activate(platform::ProcessID pid) override;
     [[nodiscard]] platform::Subscription observeDidActivateApplication(ApplicationNotice notice) override;
     [[nodiscard]] platform::Subscription observeDidTerminateApplication(ApplicationNotice notice) override;
-    bool openURL(const std::string& /*url*/) override { return true; }
+    std::vector<std::string> opened; // URLs
+    bool openURL(const std::string& url) override {
+        opened.push_back(url);
+        return true;
+    }
     [[nodiscard]] bool isSystemVersion27OrLater() const override { return version27; }
 
   private:

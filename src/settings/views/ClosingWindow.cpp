@@ -26,7 +26,6 @@ ClosingWindow::ClosingWindow(const QString& title)
 void ClosingWindow::bringForward(platform::OwnWindows& ownWindows) {
     setWindowState(windowState() & ~Qt::WindowMinimized);
     show();
-    raise();
     ownWindows.bringToActiveSpace(winId());
 }
 
