@@ -126,6 +126,27 @@ TEST_F(BusTest, AnswersTheApplicationInterfaceOnly) {
     }
 }
 
+TEST_F(BusTest, PerformsItsActionsAndIsActivatedByOthers) {
+    int activations = 0;
+    QStringList performed;
+    SingleInstance instance(
+        connect(), name, path, [&] { ++activations; },
+        [&](const QString& action) {
+            performed << action;
+            return action == QStringLiteral("settings");
+        });
+    ASSERT_EQ(instance.claim(), SingleInstance::Result::first);
+    const QDBusConnection client = connect();
+    for (const auto& action : {QStringLiteral("settings"), QStringLiteral("unknown")}) {
+        QDBusPendingCall pending =
+            client.asyncCall(call(QStringLiteral("ActivateAction"), {action, QVariantList(), QVariantMap()}));
+        EXPECT_TRUE(eventually([&] { return pending.isFinished(); }));
+        EXPECT_FALSE(pending.isError());
+    }
+    EXPECT_EQ(performed, (QStringList{QStringLiteral("settings"), QStringLiteral("unknown")}));
+    EXPECT_EQ(activations, 1);
+}
+
 TEST(Bus, IsNeverStarted) {
     const TemporaryDirectory empty;
     const Environment address("DBUS_SESSION_BUS_ADDRESS", std::nullopt);

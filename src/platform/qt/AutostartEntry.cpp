@@ -76,9 +76,14 @@ void setValue(Lines& lines, std::string_view key, const std::string& value) {
     const std::string text = std::string(key) + "=" + value;
     if (const auto line = find(lines, key)) {
         lines[*line] = text;
-    } else {
-        lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(groupOf(lines).second), text);
+        return;
     }
+    // Blank lines before the next group stay there.
+    auto [first, end] = groupOf(lines);
+    while (end > first && trimmed(lines[end - 1]).empty()) {
+        --end;
+    }
+    lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(end), text);
 }
 
 // Values of type string and localestring escape their backslashes; other escapes cannot occur in a path.

@@ -1,5 +1,7 @@
 // Takes key-downs from Qt before any window or shortcut sees them.
 //
+// Meanwhile the keyboard is grabbed for the window with the focus, so that keys that other programs have
+// reserved for themselves arrive as well.
 // Threads: main thread, with a GUI application. Failure: none.
 #pragma once
 

@@ -1,0 +1,278 @@
+// The settings window as the user works in it, and what its changes do to the running program.
+#include "DesktopTest.h"
+#include "harness/AccessibleTree.h"
+
+#include <algorithm>
+#include <filesystem>
+
+namespace skylet::desktop {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* settingsTitle = "Skylet — Impostazioni";
+constexpr const char* rateTitle = "Frequenza massima di aggiornamento";
+constexpr const char* forwardTitle = "Interagisci con la finestra flottante";
+constexpr const char* spacesTitle = "Mostra su tutte le Scrivanie";
+constexpr const char* iconTitle = "Mostra l’icona nella barra dei menu";
+constexpr const char* pillTitle = "Mostra lo sfondo dell’icona";
+constexpr const char* loginTitle = "Apri all’accesso";
+constexpr const char* changeButton = "Modifica… — Fissa o sblocca la finestra";
+constexpr const char* clearButton = "Rimuovi — Fissa o sblocca la finestra";
+constexpr const char* cancelButton = "Annulla — Fissa o sblocca la finestra";
+constexpr const char* shortcutTaken = "Questa scorciatoia è già usata da un’altra app.";
+
+constexpr xcb_keysym_t keyReturn = 0xFF0D, keyEscape = 0xFF1B, keyTab = 0xFF09, keyHome = 0xFF50,
+                       keyEnd = 0xFF57;
+
+class SettingsTest : public DesktopTest {
+  protected:
+    void SetUp() override {
+        DesktopOptions options;
+        options.height = 1300; // all of the window at once
+        PREPARE(openDesktop(options));
+        tree_ = std::make_unique<AccessibleTree>(desktop());
+    }
+    void TearDown() override {
+        tree_.reset();
+        DesktopTest::TearDown();
+    }
+
+    [[nodiscard]] std::string file() { return readFile(desktop().configPath("Skylet/skylet.conf")); }
+    [[nodiscard]] bool stores(const std::string& line) {
+        return eventually([&] { return file().find("\n" + line + "\n") != std::string::npos; });
+    }
+
+    [[nodiscard]] std::optional<Window> windowTitled(const std::string& title) {
+        const auto windows = x().windowsOf(skylet().process().pid());
+        const auto found = std::ranges::find_if(
+            windows, [&](Window window) { return x().text(window, "_NET_WM_NAME") == title; });
+        return found == windows.end() ? std::nullopt : std::optional(*found);
+    }
+    void openWindow(const std::string& action, const std::string& title) {
+        ASSERT_TRUE(tree_->perform(action));
+        ASSERT_TRUE(eventually([&] {
+            const auto window = windowTitled(title);
+            return window && x().isViewable(*window) && x().activeWindow() == *window;
+        })) << title
+            << " does not come to the front";
+    }
+    void openSettings() {
+        openWindow("settings", settingsTitle);
+        ASSERT_TRUE(eventually([&] { return node(loginTitle).has_value(); }));
+    }
+    [[nodiscard]] Window settings() { return windowTitled(settingsTitle).value_or(XCB_NONE); }
+
+    [[nodiscard]] std::optional<AccessibleNode> node(const std::string& name) {
+        return tree_->find("skylet", name);
+    }
+    [[nodiscard]] bool shows(const std::string& name) { return node(name).has_value(); }
+    void click(const std::string& name) {
+        std::optional<AccessibleNode> found;
+        ASSERT_TRUE(eventually([&] {
+            found = node(name);
+            return found && found->place.width > 0;
+        })) << name;
+        x().click(found->place.x + found->place.width / 2, found->place.y + found->place.height / 2);
+    }
+    void startRecording() {
+        click(changeButton);
+        ASSERT_TRUE(eventually([&] { return shows(cancelButton); }));
+    }
+    [[nodiscard]] bool toggles(const std::function<void()>& press) {
+        const int before = skylet().count("togglePin: ");
+        press();
+        return eventually([&] { return skylet().count("togglePin: ") == before + 1; },
+                          std::chrono::seconds(3));
+    }
+
+    std::unique_ptr<AccessibleTree> tree_;
+};
+
+TEST_F(SettingsTest, EveryChangeIsStoredAtOnce) {
+    PREPARE(launch());
+    PREPARE(openSettings());
+    struct Case {
+        const char* title;
+        const char* key;
+        bool inverted = false;
+        bool initially = false;
+    };
+    for (const Case& test :
+         {Case{forwardTitle, "forwardEvents", false, true}, Case{spacesTitle, "pinToAllSpaces"},
+          Case{pillTitle, "menuBarPillEnabled"},
+          Case{iconTitle, "ZentroStatusItemVisibility.Hidden.com.corvane.skylet", true, true}}) {
+        SCOPED_TRACE(test.title);
+        const auto before = node(test.title);
+        ASSERT_TRUE(before);
+        EXPECT_EQ(before->role, roleCheckBox);
+        EXPECT_TRUE(before->is(stateCheckable));
+        EXPECT_EQ(before->is(stateChecked), test.initially);
+        PREPARE(click(test.title));
+        const bool stored = test.initially == test.inverted;
+        EXPECT_TRUE(stores(std::string(test.key) + "=" + (stored ? "true" : "false"))) << file();
+        EXPECT_TRUE(eventually([&] { return node(test.title)->is(stateChecked) != test.initially; }));
+    }
+    // Opened again, the program shows its icon, and the settings that are open say so.
+    ASSERT_TRUE(tree_->perform(""));
+    EXPECT_TRUE(stores("ZentroStatusItemVisibility.Hidden.com.corvane.skylet=false"));
+    EXPECT_TRUE(eventually([&] { return node(iconTitle)->is(stateChecked); }));
+
+    PREPARE(click(rateTitle));
+    x().press(keyEnd, {});
+    x().press(keyReturn, {});
+    EXPECT_TRUE(stores("captureRate=60")) << file();
+
+    const std::string entry = desktop().configPath("autostart/com.corvane.skylet.desktop");
+    PREPARE(click(loginTitle));
+    EXPECT_TRUE(eventually([&] { return fs::exists(entry); }));
+    EXPECT_NE(readFile(entry).find("/skylet\""), std::string::npos) << readFile(entry);
+    PREPARE(click(loginTitle));
+    EXPECT_TRUE(eventually([&] { return !fs::exists(entry); }));
+}
+
+TEST_F(SettingsTest, OpenOverlaysFollow) {
+    PREPARE(openPuppet());
+    const Window target = puppet().open("20 40 300 200 title=target");
+    const Window cover = puppet().open("20 700 300 200 title=cover");
+    PREPARE(launch({{"captureRate", "60"}}));
+    PREPARE(pinAndCover(target, cover));
+    PREPARE(openSettings());
+
+    PREPARE(click(spacesTitle));
+    ASSERT_TRUE(stores("pinToAllSpaces=true"));
+    x().switchDesktop(1);
+    EXPECT_TRUE(throughout(std::chrono::milliseconds(500), [&] { return skylet().overlays().size() == 1; }));
+    x().switchDesktop(0);
+    PREPARE(click(spacesTitle));
+    ASSERT_TRUE(stores("pinToAllSpaces=false"));
+    x().switchDesktop(1);
+    EXPECT_TRUE(eventually([&] { return skylet().overlays().empty(); }));
+    x().switchDesktop(0);
+    ASSERT_TRUE(eventually([&] { return skylet().mirrors(target); }));
+
+    // The slowest rate leaves the picture behind for a while, the fastest one does not.
+    PREPARE(click(rateTitle));
+    x().press(keyHome, {});
+    x().press(keyReturn, {});
+    ASSERT_TRUE(stores("captureRate=0.5")) << file();
+    int seed = 100;
+    EXPECT_TRUE(eventually([&] {
+        puppet().tell("pattern " + std::to_string(seed++));
+        return !eventually([&] { return skylet().mirrors(target); }, std::chrono::milliseconds(300));
+    }));
+    EXPECT_TRUE(eventually([&] { return skylet().mirrors(target); }));
+
+    PREPARE(click(forwardTitle));
+    ASSERT_TRUE(stores("forwardEvents=false"));
+    const auto place = x().geometry(skylet().overlayInFront().value_or(XCB_NONE));
+    ASSERT_TRUE(place);
+    x().click(place->x + place->width / 2, place->y + place->height / 2);
+    EXPECT_TRUE(eventually([&] { return x().activeWindow() == target; }));
+}
+
+TEST_F(SettingsTest, ARecordedShortcutIsInForceAtOnce) {
+    PREPARE(openPuppet());
+    const Window target = puppet().open("20 40 300 200 title=target");
+    PREPARE(launch());
+    PREPARE(openSettings());
+    const auto pressNew = [&] {
+        x().press('k', {Modifier::control, Modifier::alt});
+    };
+    PREPARE(startRecording());
+    pressNew();
+    EXPECT_TRUE(stores("shortcutKeyCode=40"));
+    EXPECT_TRUE(stores("shortcutModifiers=786432"));
+    EXPECT_TRUE(eventually([&] { return shows("⌃⌥K"); }));
+    EXPECT_EQ(skylet().count("togglePin: "), 0);
+    PREPARE(bringToFront(target));
+    EXPECT_TRUE(toggles(pressNew));
+    skylet().pressShortcut(); // the old one
+    EXPECT_TRUE(toggles(pressNew));
+
+    // The shortcut in force is recorded, not carried out.
+    PREPARE(bringToFront(settings()));
+    PREPARE(startRecording());
+    pressNew();
+    EXPECT_TRUE(eventually([&] { return shows(changeButton); }));
+    EXPECT_EQ(skylet().count("togglePin: "), 2);
+
+    // Keys that work in windows, on a keyboard of another layout.
+    PREPARE(startRecording());
+    x().press(keyTab, {Modifier::control, Modifier::shift});
+    EXPECT_TRUE(stores("shortcutKeyCode=48"));
+    EXPECT_TRUE(stores("shortcutModifiers=393216"));
+
+    PREPARE(click(clearButton));
+    EXPECT_TRUE(stores("shortcutKeyCode=0"));
+    EXPECT_TRUE(eventually([&] { return shows("Non impostata") && !shows(clearButton); }));
+    EXPECT_NE(file().find("ZentroRegisteredHotkeys=[]"), std::string::npos) << file();
+}
+
+TEST_F(SettingsTest, LeavingWhileItRecordsRestoresTheShortcut) {
+    PREPARE(openPuppet());
+    const Window target = puppet().open("20 40 300 200 title=target");
+    PREPARE(launch());
+    PREPARE(openSettings());
+    PREPARE(startRecording());
+    x().press(keyEscape, {});
+    EXPECT_TRUE(eventually([&] { return shows(changeButton); }));
+    PREPARE(startRecording());
+    x().close(settings());
+    EXPECT_TRUE(eventually([&] { return settings() == XCB_NONE; }));
+    PREPARE(bringToFront(target));
+    EXPECT_TRUE(toggles([&] { skylet().pressShortcut(); }));
+    PREPARE(openSettings());
+    EXPECT_TRUE(shows(changeButton));
+    x().press(keyEscape, {});
+    EXPECT_TRUE(eventually([&] { return settings() == XCB_NONE; }));
+}
+
+TEST_F(SettingsTest, AShortcutThatAnotherProgramHoldsIsSaid) {
+    expectedErrors_ = "skylet: another program holds the shortcut Control+Alt+J: choose another one with the "
+                      "preferences keys shortcutKeyCode and shortcutModifiers in skylet.conf, or close that "
+                      "program.\n";
+    PREPARE(launch());
+    xcb_grab_key(x().connection(), 0, x().root(), XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1, x().keycode('j'),
+                 XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    x().sync();
+    PREPARE(openSettings());
+    PREPARE(startRecording());
+    x().press('j', {Modifier::control, Modifier::alt});
+    EXPECT_TRUE(eventually([&] { return shows(shortcutTaken); }));
+    EXPECT_TRUE(shows("⌃⌥J"));
+    PREPARE(startRecording());
+    x().press('k', {Modifier::control, Modifier::alt});
+    EXPECT_TRUE(eventually([&] { return shows("⌃⌥K") && !shows(shortcutTaken); }));
+}
+
+TEST_F(SettingsTest, ComesToTheDesktopAndMonitorOfTheUser) {
+    PREPARE(launch());
+    PREPARE(openSettings());
+    const Window window = settings();
+    x().moveToDesktop(window, 1);
+    ASSERT_TRUE(
+        eventually([&] { return x().numbers(window, "_NET_WM_DESKTOP") == std::vector<std::uint32_t>{1}; }));
+    PREPARE(openSettings());
+    EXPECT_EQ(settings(), window);
+    EXPECT_EQ(x().numbers(window, "_NET_WM_DESKTOP"), std::vector<std::uint32_t>{0});
+    EXPECT_EQ(x().numbers(x().root(), "_NET_CURRENT_DESKTOP"), std::vector<std::uint32_t>{0});
+    x().press(keyEscape, {});
+    ASSERT_TRUE(eventually([&] { return settings() == XCB_NONE; }));
+    x().switchDesktop(2);
+    PREPARE(openSettings());
+    EXPECT_EQ(x().numbers(settings(), "_NET_WM_DESKTOP"), std::vector<std::uint32_t>{2});
+}
+
+TEST_F(SettingsTest, AboutOpensOnceAndClosesByEscape) {
+    PREPARE(launch());
+    PREPARE(openWindow("about", "Informazioni su Skylet"));
+    PREPARE(openWindow("about", "Informazioni su Skylet"));
+    EXPECT_EQ(x().windowsOf(skylet().process().pid()).size(), 1U);
+    EXPECT_TRUE(eventually([&] { return shows("Realizzato per Corvane"); }));
+    x().press(keyEscape, {});
+    EXPECT_TRUE(eventually([&] { return !windowTitled("Informazioni su Skylet"); }));
+}
+
+} // namespace
+} // namespace skylet::desktop
