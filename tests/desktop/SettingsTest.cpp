@@ -11,7 +11,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* settingsTitle = "Skylet — Impostazioni";
-constexpr const char* rateTitle = "Frequenza massima di aggiornamento";
 constexpr const char* forwardTitle = "Interagisci con la finestra flottante";
 constexpr const char* spacesTitle = "Mostra su tutte le Scrivanie";
 constexpr const char* iconTitle = "Mostra l’icona nella barra dei menu";
@@ -64,7 +63,7 @@ class SettingsTest : public DesktopTest {
     [[nodiscard]] Window settings() { return windowTitled(settingsTitle).value_or(XCB_NONE); }
 
     [[nodiscard]] std::optional<AccessibleNode> node(const std::string& name) {
-        return tree_->find("skylet", name);
+        return tree_->find("Skylet", name);
     }
     [[nodiscard]] bool shows(const std::string& name) { return node(name).has_value(); }
     void click(const std::string& name) {
@@ -74,6 +73,15 @@ class SettingsTest : public DesktopTest {
             return found && found->place.width > 0;
         })) << name;
         x().click(found->place.x + found->place.width / 2, found->place.y + found->place.height / 2);
+    }
+    // Opens the picker, to which a screen reader gives its value for a name, and chooses by a key.
+    void pick(const std::string& present, xcb_keysym_t key) {
+        const std::size_t before = skylet().overlays().size(); // a list is as unmanaged as an overlay
+        click(present);
+        ASSERT_TRUE(eventually([&] { return skylet().overlays().size() == before + 1; }));
+        x().press(key, {});
+        x().press(keyReturn, {});
+        ASSERT_TRUE(eventually([&] { return skylet().overlays().size() == before; }));
     }
     void startRecording() {
         click(changeButton);
@@ -106,7 +114,6 @@ TEST_F(SettingsTest, EveryChangeIsStoredAtOnce) {
         const auto before = node(test.title);
         ASSERT_TRUE(before);
         EXPECT_EQ(before->role, roleCheckBox);
-        EXPECT_TRUE(before->is(stateCheckable));
         EXPECT_EQ(before->is(stateChecked), test.initially);
         PREPARE(click(test.title));
         const bool stored = test.initially == test.inverted;
@@ -118,9 +125,7 @@ TEST_F(SettingsTest, EveryChangeIsStoredAtOnce) {
     EXPECT_TRUE(stores("ZentroStatusItemVisibility.Hidden.com.corvane.skylet=false"));
     EXPECT_TRUE(eventually([&] { return node(iconTitle)->is(stateChecked); }));
 
-    PREPARE(click(rateTitle));
-    x().press(keyEnd, {});
-    x().press(keyReturn, {});
+    PREPARE(pick("30 fps", keyEnd));
     EXPECT_TRUE(stores("captureRate=60")) << file();
 
     const std::string entry = desktop().configPath("autostart/com.corvane.skylet.desktop");
@@ -152,9 +157,7 @@ TEST_F(SettingsTest, OpenOverlaysFollow) {
     ASSERT_TRUE(eventually([&] { return skylet().mirrors(target); }));
 
     // The slowest rate leaves the picture behind for a while, the fastest one does not.
-    PREPARE(click(rateTitle));
-    x().press(keyHome, {});
-    x().press(keyReturn, {});
+    PREPARE(pick("60 fps", keyHome));
     ASSERT_TRUE(stores("captureRate=0.5")) << file();
     int seed = 100;
     EXPECT_TRUE(eventually([&] {
@@ -206,7 +209,7 @@ TEST_F(SettingsTest, ARecordedShortcutIsInForceAtOnce) {
     PREPARE(click(clearButton));
     EXPECT_TRUE(stores("shortcutKeyCode=0"));
     EXPECT_TRUE(eventually([&] { return shows("Non impostata") && !shows(clearButton); }));
-    EXPECT_NE(file().find("ZentroRegisteredHotkeys=[]"), std::string::npos) << file();
+    EXPECT_NE(file().find("ZentroRegisteredHotkeys=\"[]\""), std::string::npos) << file();
 }
 
 TEST_F(SettingsTest, LeavingWhileItRecordsRestoresTheShortcut) {

@@ -194,6 +194,11 @@ TEST_F(SettingsContentTest, ControlsTellScreenReadersWhatTheyAre) {
     }
     EXPECT_TRUE(desktop.defaults.readBool(PreferenceKeys::pinToAllSpaces).value);
     EXPECT_TRUE(loginItem.enabled);
+    // A picker's name is its value here; its title is the label's.
+    auto* picker = named<QComboBox>(window, rateTitle);
+    const auto labels = QAccessible::queryAccessibleInterface(picker)->relations(QAccessible::Label);
+    ASSERT_EQ(labels.size(), 1);
+    EXPECT_EQ(labels.front().first->text(QAccessible::Name), QString::fromUtf8(rateTitle));
     const auto* forward = named<QAbstractButton>(window, forwardTitle);
     EXPECT_TRUE(forward->accessibleDescription().startsWith(QStringLiteral("I clic e lo scorrimento")));
 }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "platform/OwnWindows.h"
+#include "platform/x11/ActiveWindow.h"
 #include "platform/x11/Connection.h"
 
 #include <unordered_map>
@@ -17,7 +18,7 @@ class X11OwnWindows : public OwnWindows {
     void bringToActiveSpace(NativeWindow window) override;
 
   private:
-    void bringMapped(xcb_window_t window);
+    void bringManaged(xcb_window_t window, const ClientWindows& clients);
 
     Connection& connection_;
     // Those that are to be brought forward once they are mapped.

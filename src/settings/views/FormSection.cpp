@@ -33,7 +33,9 @@ FormRow::FormRow(const QString& title, QWidget* control, const QString& caption,
     QMargins margins = column->contentsMargins();
     margins.setRight(margins.right() - overhang);
     column->setContentsMargins(margins);
-    line->addWidget(new ToneLabel(title, ToneLabel::Size::body, FormStyle::Tone::primary), 1);
+    auto* label = new ToneLabel(title, ToneLabel::Size::body, FormStyle::Tone::primary);
+    label->setBuddy(named_); // for screen readers, to which a picker's name is its value
+    line->addWidget(label, 1);
     line->addWidget(control, 0, Qt::AlignVCenter);
     column->addLayout(line);
     column->addWidget(caption_);

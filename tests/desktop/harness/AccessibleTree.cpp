@@ -6,8 +6,6 @@
 #include <QDBusVariant>
 #include <QVariantMap>
 
-#include <algorithm>
-
 namespace skylet::desktop {
 namespace {
 
@@ -126,9 +124,13 @@ std::vector<AccessibleNode> AccessibleTree::shown(const std::string& program) co
 
 std::optional<AccessibleNode> AccessibleTree::find(const std::string& program,
                                                    const std::string& name) const {
-    const auto nodes = shown(program);
-    const auto found = std::ranges::find(nodes, name, &AccessibleNode::name);
-    return found == nodes.end() ? std::nullopt : std::optional(*found);
+    std::optional<AccessibleNode> found;
+    for (const AccessibleNode& node : shown(program)) {
+        if (node.name == name && (!found || node.is(stateFocusable))) {
+            found = node;
+        }
+    }
+    return found;
 }
 
 bool AccessibleTree::perform(const std::string& action) const {

@@ -16,11 +16,9 @@ namespace skylet::desktop {
 
 // Roles and states by the numbers of the protocol (AtspiRole, AtspiStateType).
 constexpr unsigned roleCheckBox = 7;
-constexpr unsigned rolePushButton = 43;
 constexpr int stateChecked = 4;
-constexpr int stateFocused = 12;
+constexpr int stateFocusable = 11;
 constexpr int stateShowing = 25;
-constexpr int stateCheckable = 41;
 
 struct AccessibleNode {
     std::string name;
@@ -44,6 +42,7 @@ class AccessibleTree {
 
     // Everything that the program shows now, parents before their children.
     [[nodiscard]] std::vector<AccessibleNode> shown(const std::string& program) const;
+    // The one of that name; a control rather than its label.
     [[nodiscard]] std::optional<AccessibleNode> find(const std::string& program,
                                                      const std::string& name) const;
 
