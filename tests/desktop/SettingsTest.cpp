@@ -83,6 +83,12 @@ class SettingsTest : public DesktopTest {
         x().press(keyReturn, {});
         ASSERT_TRUE(eventually([&] { return skylet().overlays().size() == before; }));
     }
+    // Another program takes the key for itself.
+    void grab(xcb_keysym_t key, std::uint16_t modifiers) {
+        xcb_grab_key(x().connection(), 0, x().root(), modifiers, x().keycode(key), XCB_GRAB_MODE_ASYNC,
+                     XCB_GRAB_MODE_ASYNC);
+        x().sync();
+    }
     void startRecording() {
         click(changeButton);
         ASSERT_TRUE(eventually([&] { return shows(cancelButton); }));
@@ -236,9 +242,7 @@ TEST_F(SettingsTest, AShortcutThatAnotherProgramHoldsIsSaid) {
                       "preferences keys shortcutKeyCode and shortcutModifiers in skylet.conf, or close that "
                       "program.\n";
     PREPARE(launch());
-    xcb_grab_key(x().connection(), 0, x().root(), XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1, x().keycode('j'),
-                 XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
-    x().sync();
+    grab('j', XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1);
     PREPARE(openSettings());
     PREPARE(startRecording());
     x().press('j', {Modifier::control, Modifier::alt});
@@ -247,6 +251,63 @@ TEST_F(SettingsTest, AShortcutThatAnotherProgramHoldsIsSaid) {
     PREPARE(startRecording());
     x().press('k', {Modifier::control, Modifier::alt});
     EXPECT_TRUE(eventually([&] { return shows("⌃⌥K") && !shows(shortcutTaken); }));
+}
+
+TEST_F(SettingsTest, AShortcutThatIsTakenAtTheStartIsReplacedAtOnce) {
+    expectedErrors_ =
+        "skylet: another program holds the shortcut Control+Super+P: choose another one with the "
+        "preferences keys shortcutKeyCode and shortcutModifiers in skylet.conf, or close that "
+        "program.\n";
+    PREPARE(openPuppet());
+    const Window target = puppet().open("20 40 300 200 title=target");
+    grab('p', XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_4);
+    PREPARE(launch());
+    PREPARE(openSettings());
+    EXPECT_TRUE(shows(shortcutTaken));
+    PREPARE(startRecording());
+    x().press('k', {Modifier::control, Modifier::alt});
+    EXPECT_TRUE(eventually([&] { return shows("⌃⌥K") && !shows(shortcutTaken); }));
+    PREPARE(bringToFront(target));
+    EXPECT_TRUE(toggles([&] { x().press('k', {Modifier::control, Modifier::alt}); }));
+}
+
+TEST_F(SettingsTest, PermissionsAreShownLive) {
+    PREPARE(launch());
+    PREPARE(openSettings());
+    const auto setAccessibility = [&](const char* value) {
+        return run({"dbus-send", "--session", "--print-reply=literal", "--dest=org.a11y.Bus", "/org/a11y/bus",
+                    "org.freedesktop.DBus.Properties.Set", "string:org.a11y.Status", "string:IsEnabled",
+                    std::string("variant:boolean:") + value},
+                   desktop().environment()) == 0;
+    };
+    constexpr const char* allow = "Consenti accesso — Accessibilità";
+    EXPECT_FALSE(shows(allow));
+    ASSERT_TRUE(setAccessibility("false"));
+    EXPECT_TRUE(eventually([&] { return shows(allow); }));
+    // The button is the user's own word.
+    PREPARE(click(allow));
+    EXPECT_TRUE(eventually([&] { return !shows(allow); }));
+}
+
+TEST_F(SettingsTest, OpensWithThePointerAndFindsItsWayBack) {
+    DesktopOptions options;
+    options.twoMonitors = true; // side by side, 640 wide each
+    options.height = 800;
+    tree_.reset();
+    PREPARE(openDesktop(options));
+    tree_ = std::make_unique<AccessibleTree>(desktop());
+    PREPARE(launch());
+    x().movePointer(1000, 300);
+    PREPARE(openSettings());
+    const auto place = [&] {
+        const Rectangle frame = x().geometry(settings()).value_or(Rectangle{});
+        return frame;
+    };
+    EXPECT_GE(place().x, 640) << place();
+    EXPECT_LE(place().height, 640) << place();
+    EXPECT_EQ(place().width, 512) << "four fifths of the monitor";
+    ASSERT_EQ(run({"xrandr", "--delmonitor", "right"}, desktop().environment()), 0);
+    EXPECT_TRUE(eventually([&] { return place().right() <= 640; })) << place();
 }
 
 TEST_F(SettingsTest, ComesToTheDesktopAndMonitorOfTheUser) {

@@ -111,6 +111,12 @@ void ZentroShortcutRecorderRow::refresh() {
     controls_->cancel->setAccessibleDescription(shown);
 }
 
+// Who holds the shortcut may have changed while nobody looked.
+void ZentroShortcutRecorderRow::showEvent(QShowEvent* event) {
+    FormRow::showEvent(event);
+    refresh();
+}
+
 void ZentroShortcutRecorderRow::hideEvent(QHideEvent* event) {
     FormRow::hideEvent(event);
     if (!event->spontaneous()) {

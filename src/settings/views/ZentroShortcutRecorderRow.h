@@ -12,10 +12,8 @@ class ZentroShortcutRecorderRow : public FormRow {
     ZentroShortcutRecorderRow(platform::KeyDownMonitor& monitor,
                               ZentroShortcutRecorder::Connections connections);
 
-    // Shows what may have changed from outside.
-    void refresh();
-
   protected:
+    void showEvent(QShowEvent* event) override;
     // A row that disappears stops recording.
     void hideEvent(QHideEvent* event) override;
 
@@ -23,6 +21,8 @@ class ZentroShortcutRecorderRow : public FormRow {
     class Controls;
     ZentroShortcutRecorderRow(platform::KeyDownMonitor& monitor,
                               ZentroShortcutRecorder::Connections connections, Controls* controls);
+
+    void refresh();
 
     ZentroShortcutRecorder recorder_;
     Controls* controls_;
