@@ -28,9 +28,9 @@ struct AppCallbacks {
     std::function<void(const std::string& message)> fatal;
     // Asks the application to terminate.
     std::function<void()> terminate;
-    // Open the program's windows; may be empty.
-    std::function<void()> openSettings = {};
-    std::function<void()> openAbout = {};
+    // Bring the program's windows forward. Empty: there is no such window.
+    std::function<void()> openSettings{};
+    std::function<void()> openAbout{};
 };
 
 // What the hotkey needs of the rest of the program; must outlive it.

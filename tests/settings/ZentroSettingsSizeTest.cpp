@@ -115,7 +115,7 @@ TEST_F(ZentroSettingsWindowSizerTest, LeavesAWindowAloneThatFits) {
 
 TEST_F(ZentroSettingsWindowSizerTest, BringsItOntoTheScreenThatIsLeft) {
     desktop.screens.all = {left};
-    desktop.screens.postDidChange();
+    desktop.screens.postDidChangeParameters();
     EXPECT_EQ(window.moves, 0) << "not inside the notice";
     desktop.advance(0);
     EXPECT_EQ(window.frame(), (Rect{1440 - 500, 300, 500, 574}));

@@ -95,9 +95,9 @@ class SimWorkspace final : public platform::Workspace {
     bool activate(platform::ProcessID pid) override;
     [[nodiscard]] platform::Subscription observeDidActivateApplication(ApplicationNotice notice) override;
     [[nodiscard]] platform::Subscription observeDidTerminateApplication(ApplicationNotice notice) override;
-    std::vector<std::string> opened; // URLs
+    std::vector<std::string> openedURLs;
     bool openURL(const std::string& url) override {
-        opened.push_back(url);
+        openedURLs.push_back(url);
         return true;
     }
     [[nodiscard]] bool isSystemVersion27OrLater() const override { return version27; }
@@ -114,7 +114,6 @@ class SimScreens final : public platform::Screens {
   public:
     std::vector<platform::Screen> all{
         {.frame = {0, 0, 1920, 1080}, .visibleFrame = {}, .backingScaleFactor = 1}};
-    void postDidChange() { didChange_.post(); }
 
     [[nodiscard]] std::vector<platform::Screen> screens() override { return all; }
     [[nodiscard]] std::optional<platform::Screen> mainScreen() override {
@@ -123,6 +122,7 @@ class SimScreens final : public platform::Screens {
     [[nodiscard]] platform::Subscription observeDidChangeParameters(std::function<void()> notice) override {
         return didChange_.observe(std::move(notice));
     }
+    void postDidChangeParameters() { didChange_.post(); }
 
   private:
     Notice<> didChange_;

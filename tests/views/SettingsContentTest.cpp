@@ -124,7 +124,7 @@ TEST_F(SettingsContentTest, PermissionsAreAskedForAndFollowed) {
     allow("Invio di clic e scorrimento");
     EXPECT_EQ(desktop.eventPoster.requests, 1);
     allow("Registrazione schermo");
-    EXPECT_EQ(desktop.workspace.opened,
+    EXPECT_EQ(desktop.workspace.openedURLs,
               (Texts{"x-apple.systempreferences:com.apple.preference.security?Privacy_ScreenCapture"}));
     desktop.accessibility.trusted = true;
     desktop.eventPoster.permitted = true;

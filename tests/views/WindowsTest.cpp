@@ -32,7 +32,7 @@ TEST_F(SettingsWindowTest, IsAsLargeAsItsContentUpToTheScreensShare) {
     EXPECT_EQ(window.minimumSize(), window.maximumSize()) << "resizable";
     const int width = window.width();
     desktop.screens.all.front() = {.frame = {0, 0, 800, 700}, .visibleFrame = {0, 30, 800, 600}};
-    desktop.screens.postDidChange();
+    desktop.screens.postDidChangeParameters();
     desktop.advance(0);
     settle();
     EXPECT_LE(window.frameGeometry().height(), 480);

@@ -87,6 +87,7 @@ void ZentroShortcutRecorderRow::refresh() {
     const bool begins = isRecording && !std::exchange(wasRecording_, isRecording);
     wasRecording_ = isRecording;
     controls_->shortcut->setText(QString::fromStdString(recorder_.displayString()));
+    controls_->hint->setWordWrap(recorder_.needsModifier()); // the short one is not to be broken
     controls_->hint->setText(
         recorder_.needsModifier()
             ? keyed("shortcut.needs_modifier", "Tieni premuto ⌘, ⌃ o ⌥, oppure premi un tasto F")
