@@ -13,14 +13,16 @@ constexpr std::string_view accessibilityAnnouncement = "com.apple.accessibility.
 
 } // namespace
 
-QtNotifications::QtNotifications(QDBusConnection sessionBus)
-    : bus_(std::move(sessionBus))
-    , activation_(QObject::connect(qGuiApp, &QGuiApplication::applicationStateChanged, qGuiApp,
-                                   [this](Qt::ApplicationState state) {
-                                       if (state == Qt::ApplicationActive) {
-                                           active_.notify();
-                                       }
-                                   })) {}
+QtNotifications::QtNotifications(QDBusConnection sessionBus) : bus_(std::move(sessionBus)) {
+    if (auto* application = qobject_cast<QGuiApplication*>(QCoreApplication::instance())) {
+        activation_ = QObject::connect(application, &QGuiApplication::applicationStateChanged, application,
+                                       [this](Qt::ApplicationState state) {
+                                           if (state == Qt::ApplicationActive) {
+                                               active_.notify();
+                                           }
+                                       });
+    }
+}
 
 QtNotifications::~QtNotifications() {
     QObject::disconnect(activation_);

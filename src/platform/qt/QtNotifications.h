@@ -1,6 +1,7 @@
 // Notices about this program from Qt, and the system's announcements from the session bus.
 //
-// Threads: main thread, with a GUI application. Failure: without a session bus nothing is announced.
+// Threads: main thread. Failure: without a session bus nothing is announced, without a GUI application it
+// never becomes active.
 #pragma once
 
 #include "platform/Notifications.h"
