@@ -10,7 +10,7 @@ class EventPoster {
     virtual ~EventPoster() = default;
     // The permission to post events.
     [[nodiscard]] virtual bool preflightPostAccess() = 0;
-    // Asks the user for it where it can be asked for; answers whether it is given now.
+    // Asks the system for the permission; answers whether it is there now.
     virtual bool requestPostAccess() = 0;
 };
 

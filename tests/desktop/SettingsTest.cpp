@@ -328,6 +328,58 @@ TEST_F(SettingsTest, ComesToTheDesktopAndMonitorOfTheUser) {
     EXPECT_EQ(x().numbers(settings(), "_NET_WM_DESKTOP"), std::vector<std::uint32_t>{2});
 }
 
+// Window managers differ in whom they let come forward, and in which keys they keep for themselves.
+class SettingsUnderManagersTest : public SettingsTest, public testing::WithParamInterface<WindowManagerKind> {
+  protected:
+    void SetUp() override {
+        DesktopOptions options;
+        options.windowManager = GetParam();
+        options.height = 1300;
+        PREPARE(openDesktop(options));
+        tree_ = std::make_unique<AccessibleTree>(desktop());
+    }
+};
+
+TEST_P(SettingsUnderManagersTest, OpensRecordsClosesAndComesBack) {
+    PREPARE(openPuppet());
+    const Window other = puppet().open("20 40 300 200 title=other");
+    PREPARE(launch());
+    PREPARE(bringToFront(other));
+    PREPARE(openSettings());
+    PREPARE(startRecording());
+    x().press(keyTab, {Modifier::alt}); // the manager's own
+    EXPECT_TRUE(eventually([&] { return shows("⌥⇥"); }));
+    EXPECT_TRUE(stores("shortcutKeyCode=48"));
+    // It is said in both places, or the key could be had.
+    expectedErrors_ = skylet().errorOutput();
+    EXPECT_EQ(shows(shortcutTaken), !expectedErrors_.empty());
+    x().press(keyEscape, {});
+    ASSERT_TRUE(eventually([&] { return settings() == XCB_NONE; }));
+
+    if (x().numbers(x().root(), "_NET_NUMBER_OF_DESKTOPS") < std::vector<std::uint32_t>{2}) {
+        return;
+    }
+    const auto userIsOn = [&](std::uint32_t desktop) {
+        return x().numbers(x().root(), "_NET_CURRENT_DESKTOP") == std::vector{desktop};
+    };
+    const auto settingsAreOn = [&](std::uint32_t desktop) {
+        return x().numbers(settings(), "_NET_WM_DESKTOP") == std::vector{desktop};
+    };
+    for (const std::uint32_t desktop : {1U, 0U}) {
+        x().switchDesktop(desktop);
+        ASSERT_TRUE(eventually([&] { return userIsOn(desktop); }));
+        PREPARE(openSettings());
+        EXPECT_TRUE(eventually([&] { return settingsAreOn(desktop); }));
+        EXPECT_TRUE(userIsOn(desktop));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Full, SettingsUnderManagersTest,
+                         testing::Values(WindowManagerKind::xfwm4, WindowManagerKind::metacity,
+                                         WindowManagerKind::mutter, WindowManagerKind::kwin,
+                                         WindowManagerKind::i3),
+                         [](const auto& test) { return nameOf(test.param); });
+
 TEST_F(SettingsTest, AboutOpensOnceAndClosesByEscape) {
     PREPARE(launch());
     PREPARE(openWindow("about", "Informazioni su Skylet"));

@@ -31,9 +31,13 @@ constexpr std::array<Settings, 10> programs{{
 
 } // namespace
 
+bool namesSettingsPane(const QString& url) {
+    return url.startsWith(scheme);
+}
+
 std::optional<QStringList> settingsProgram(const QString& url, const QString& desktop,
                                            const std::function<bool(const QString&)>& isInstalled) {
-    if (!url.startsWith(scheme)) {
+    if (!namesSettingsPane(url)) {
         return std::nullopt;
     }
     const bool isAccessibility = url.endsWith(QStringLiteral("?Privacy_Accessibility"));

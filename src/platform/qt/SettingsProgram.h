@@ -11,6 +11,8 @@
 
 namespace skylet::platform::qt {
 
+[[nodiscard]] bool namesSettingsPane(const QString& url);
+
 // Program and arguments that show the pane of `url` ("x-apple.systempreferences:" and the pane). `desktop` is
 // the value of $XDG_CURRENT_DESKTOP, names separated by colons; `isInstalled` tells whether a program can be
 // run.

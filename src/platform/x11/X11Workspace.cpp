@@ -132,17 +132,23 @@ void X11Workspace::handleTermination(ProcessID pid) {
 
 bool X11Workspace::openURL(const std::string& url) {
     const QString text = QString::fromStdString(url);
-    if (text.startsWith(QStringLiteral("x-apple.systempreferences:"))) {
-        auto command = qt::settingsProgram(
+    std::optional<QStringList> command = QStringList{QStringLiteral("xdg-open"), text};
+    if (qt::namesSettingsPane(text)) {
+        command = qt::settingsProgram(
             text, qEnvironmentVariable("XDG_CURRENT_DESKTOP"),
             [](const QString& program) { return !QStandardPaths::findExecutable(program).isEmpty(); });
-        if (!command) {
-            return false;
-        }
-        const QString program = command->takeFirst();
-        return QProcess::startDetached(program, *command);
     }
-    return QProcess::startDetached(QStringLiteral("xdg-open"), {text});
+    if (!command) {
+        return false;
+    }
+    QProcess opener;
+    opener.setProgram(command->takeFirst());
+    opener.setArguments(*command);
+    // A browser talks a lot, and for as long as it runs.
+    opener.setStandardInputFile(QProcess::nullDevice());
+    opener.setStandardOutputFile(QProcess::nullDevice());
+    opener.setStandardErrorFile(QProcess::nullDevice());
+    return opener.startDetached();
 }
 
 } // namespace skylet::platform::x11
