@@ -1,8 +1,6 @@
-// The settings window as the user works in it, and what its changes do to the running program.
-#include "DesktopTest.h"
-#include "harness/AccessibleTree.h"
+// The settings window, and what its changes do to the running program.
+#include "SettingsScene.h"
 
-#include <algorithm>
 #include <filesystem>
 
 namespace skylet::desktop {
@@ -10,98 +8,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* settingsTitle = "Skylet — Impostazioni";
-constexpr const char* forwardTitle = "Interagisci con la finestra flottante";
-constexpr const char* spacesTitle = "Mostra su tutte le Scrivanie";
-constexpr const char* iconTitle = "Mostra l’icona nella barra dei menu";
-constexpr const char* pillTitle = "Mostra lo sfondo dell’icona";
-constexpr const char* loginTitle = "Apri all’accesso";
-constexpr const char* changeButton = "Modifica… — Fissa o sblocca la finestra";
-constexpr const char* clearButton = "Rimuovi — Fissa o sblocca la finestra";
-constexpr const char* cancelButton = "Annulla — Fissa o sblocca la finestra";
-constexpr const char* shortcutTaken = "Questa scorciatoia è già usata da un’altra app.";
-
-constexpr xcb_keysym_t keyReturn = 0xFF0D, keyEscape = 0xFF1B, keyTab = 0xFF09, keyHome = 0xFF50,
-                       keyEnd = 0xFF57;
-
-class SettingsTest : public DesktopTest {
-  protected:
-    void SetUp() override {
-        DesktopOptions options;
-        options.height = 1300; // all of the window at once
-        PREPARE(openDesktop(options));
-        tree_ = std::make_unique<AccessibleTree>(desktop());
-    }
-    void TearDown() override {
-        tree_.reset();
-        DesktopTest::TearDown();
-    }
-
-    [[nodiscard]] std::string file() { return readFile(desktop().configPath("Skylet/skylet.conf")); }
-    [[nodiscard]] bool stores(const std::string& line) {
-        return eventually([&] { return file().find("\n" + line + "\n") != std::string::npos; });
-    }
-
-    [[nodiscard]] std::optional<Window> windowTitled(const std::string& title) {
-        const auto windows = x().windowsOf(skylet().process().pid());
-        const auto found = std::ranges::find_if(
-            windows, [&](Window window) { return x().text(window, "_NET_WM_NAME") == title; });
-        return found == windows.end() ? std::nullopt : std::optional(*found);
-    }
-    void openWindow(const std::string& action, const std::string& title) {
-        ASSERT_TRUE(tree_->perform(action));
-        ASSERT_TRUE(eventually([&] {
-            const auto window = windowTitled(title);
-            return window && x().isViewable(*window) && x().activeWindow() == *window;
-        })) << title
-            << " does not come to the front";
-    }
-    void openSettings() {
-        openWindow("settings", settingsTitle);
-        ASSERT_TRUE(eventually([&] { return node(loginTitle).has_value(); }));
-    }
-    [[nodiscard]] Window settings() { return windowTitled(settingsTitle).value_or(XCB_NONE); }
-
-    [[nodiscard]] std::optional<AccessibleNode> node(const std::string& name) {
-        return tree_->find("Skylet", name);
-    }
-    [[nodiscard]] bool shows(const std::string& name) { return node(name).has_value(); }
-    void click(const std::string& name) {
-        std::optional<AccessibleNode> found;
-        ASSERT_TRUE(eventually([&] {
-            found = node(name);
-            return found && found->place.width > 0;
-        })) << name;
-        x().click(found->place.x + found->place.width / 2, found->place.y + found->place.height / 2);
-    }
-    // Opens the picker, to which a screen reader gives its value for a name, and chooses by a key.
-    void pick(const std::string& present, xcb_keysym_t key) {
-        const std::size_t before = skylet().overlays().size(); // a list is as unmanaged as an overlay
-        click(present);
-        ASSERT_TRUE(eventually([&] { return skylet().overlays().size() == before + 1; }));
-        x().press(key, {});
-        x().press(keyReturn, {});
-        ASSERT_TRUE(eventually([&] { return skylet().overlays().size() == before; }));
-    }
-    // Another program takes the key for itself.
-    void grab(xcb_keysym_t key, std::uint16_t modifiers) {
-        xcb_grab_key(x().connection(), 0, x().root(), modifiers, x().keycode(key), XCB_GRAB_MODE_ASYNC,
-                     XCB_GRAB_MODE_ASYNC);
-        x().sync();
-    }
-    void startRecording() {
-        click(changeButton);
-        ASSERT_TRUE(eventually([&] { return shows(cancelButton); }));
-    }
-    [[nodiscard]] bool toggles(const std::function<void()>& press) {
-        const int before = skylet().count("togglePin: ");
-        press();
-        return eventually([&] { return skylet().count("togglePin: ") == before + 1; },
-                          std::chrono::seconds(3));
-    }
-
-    std::unique_ptr<AccessibleTree> tree_;
-};
+class SettingsTest : public SettingsScene {};
 
 TEST_F(SettingsTest, EveryChangeIsStoredAtOnce) {
     PREPARE(launch());
@@ -178,97 +85,6 @@ TEST_F(SettingsTest, OpenOverlaysFollow) {
     ASSERT_TRUE(place);
     x().click(place->x + place->width / 2, place->y + place->height / 2);
     EXPECT_TRUE(eventually([&] { return x().activeWindow() == target; }));
-}
-
-TEST_F(SettingsTest, ARecordedShortcutIsInForceAtOnce) {
-    PREPARE(openPuppet());
-    const Window target = puppet().open("20 40 300 200 title=target");
-    PREPARE(launch());
-    PREPARE(openSettings());
-    const auto pressNew = [&] {
-        x().press('k', {Modifier::control, Modifier::alt});
-    };
-    PREPARE(startRecording());
-    pressNew();
-    EXPECT_TRUE(stores("shortcutKeyCode=40"));
-    EXPECT_TRUE(stores("shortcutModifiers=786432"));
-    EXPECT_TRUE(eventually([&] { return shows("⌃⌥K"); }));
-    EXPECT_EQ(skylet().count("togglePin: "), 0);
-    PREPARE(bringToFront(target));
-    EXPECT_TRUE(toggles(pressNew));
-    skylet().pressShortcut(); // the old one
-    EXPECT_TRUE(toggles(pressNew));
-
-    // The shortcut in force is recorded, not carried out.
-    PREPARE(bringToFront(settings()));
-    PREPARE(startRecording());
-    pressNew();
-    EXPECT_TRUE(eventually([&] { return shows(changeButton); }));
-    EXPECT_EQ(skylet().count("togglePin: "), 2);
-
-    // Keys that work in windows, on a keyboard of another layout.
-    PREPARE(startRecording());
-    x().press(keyTab, {Modifier::control, Modifier::shift});
-    EXPECT_TRUE(stores("shortcutKeyCode=48"));
-    EXPECT_TRUE(stores("shortcutModifiers=393216"));
-
-    PREPARE(click(clearButton));
-    EXPECT_TRUE(stores("shortcutKeyCode=0"));
-    EXPECT_TRUE(eventually([&] { return shows("Non impostata") && !shows(clearButton); }));
-    EXPECT_NE(file().find("ZentroRegisteredHotkeys=\"[]\""), std::string::npos) << file();
-}
-
-TEST_F(SettingsTest, LeavingWhileItRecordsRestoresTheShortcut) {
-    PREPARE(openPuppet());
-    const Window target = puppet().open("20 40 300 200 title=target");
-    PREPARE(launch());
-    PREPARE(openSettings());
-    PREPARE(startRecording());
-    x().press(keyEscape, {});
-    EXPECT_TRUE(eventually([&] { return shows(changeButton); }));
-    PREPARE(startRecording());
-    x().close(settings());
-    EXPECT_TRUE(eventually([&] { return settings() == XCB_NONE; }));
-    PREPARE(bringToFront(target));
-    EXPECT_TRUE(toggles([&] { skylet().pressShortcut(); }));
-    PREPARE(openSettings());
-    EXPECT_TRUE(shows(changeButton));
-    x().press(keyEscape, {});
-    EXPECT_TRUE(eventually([&] { return settings() == XCB_NONE; }));
-}
-
-TEST_F(SettingsTest, AShortcutThatAnotherProgramHoldsIsSaid) {
-    expectedErrors_ = "skylet: another program holds the shortcut Control+Alt+J: choose another one with the "
-                      "preferences keys shortcutKeyCode and shortcutModifiers in skylet.conf, or close that "
-                      "program.\n";
-    PREPARE(launch());
-    grab('j', XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1);
-    PREPARE(openSettings());
-    PREPARE(startRecording());
-    x().press('j', {Modifier::control, Modifier::alt});
-    EXPECT_TRUE(eventually([&] { return shows(shortcutTaken); }));
-    EXPECT_TRUE(shows("⌃⌥J"));
-    PREPARE(startRecording());
-    x().press('k', {Modifier::control, Modifier::alt});
-    EXPECT_TRUE(eventually([&] { return shows("⌃⌥K") && !shows(shortcutTaken); }));
-}
-
-TEST_F(SettingsTest, AShortcutThatIsTakenAtTheStartIsReplacedAtOnce) {
-    expectedErrors_ =
-        "skylet: another program holds the shortcut Control+Super+P: choose another one with the "
-        "preferences keys shortcutKeyCode and shortcutModifiers in skylet.conf, or close that "
-        "program.\n";
-    PREPARE(openPuppet());
-    const Window target = puppet().open("20 40 300 200 title=target");
-    grab('p', XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_4);
-    PREPARE(launch());
-    PREPARE(openSettings());
-    EXPECT_TRUE(shows(shortcutTaken));
-    PREPARE(startRecording());
-    x().press('k', {Modifier::control, Modifier::alt});
-    EXPECT_TRUE(eventually([&] { return shows("⌃⌥K") && !shows(shortcutTaken); }));
-    PREPARE(bringToFront(target));
-    EXPECT_TRUE(toggles([&] { x().press('k', {Modifier::control, Modifier::alt}); }));
 }
 
 TEST_F(SettingsTest, PermissionsAreShownLive) {

@@ -15,7 +15,7 @@ using Watcher = ZentroPermissionWatcher;
 
 class ZentroPermissionWatcherTest : public testing::Test {
   protected:
-    void watch(std::optional<std::string> announcement = Watcher::accessibilityAnnouncement) {
+    void watch(const std::optional<std::string>& announcement = Watcher::accessibilityAnnouncement) {
         watcher = std::make_unique<Watcher>(Watcher::Services{desktop.mainQueue, notifications}, announcement,
                                             [this] {
                                                 ++probes;

@@ -8,7 +8,8 @@
 namespace skylet::platform::x11 {
 
 // A manager knows a window only once it has mapped it. Qt's requests go another way than ours, so that the
-// order in which they are made says nothing. One that it knows may be unmapped: on another desktop, minimised.
+// order in which they are made says nothing. One that it knows may be unmapped: on another desktop,
+// minimised.
 void X11OwnWindows::bringToActiveSpace(NativeWindow native) {
     const auto window = static_cast<xcb_window_t>(native);
     awaited_.insert_or_assign(
