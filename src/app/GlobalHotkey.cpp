@@ -60,6 +60,9 @@ void GlobalHotkey::saveShortcut() {
     if (!activateShortcut()) {
         reportFailureReason();
     }
+    if (permissionTimer != nullptr) {
+        retry(); // the new one may be free where the former one was not
+    }
     republishHotkey();
 }
 

@@ -1,15 +1,20 @@
 // The entry: finds the desktop, makes the adapters and the controller, and runs the event loop.
 
 #include "app/AppDelegate.h"
+#include "app/views/ProgramWindows.h"
 #include "foundation/DiagnosticsLog.h"
 #include "foundation/LogLocation.h"
 #include "foundation/Product.h"
 #include "platform/qt/AccessibilityTrust.h"
+#include "platform/qt/AutostartEntry.h"
 #include "platform/qt/DBusBuses.h"
 #include "platform/qt/FileDefaults.h"
 #include "platform/qt/QtApplication.h"
+#include "platform/qt/QtKeyDownMonitor.h"
 #include "platform/qt/QtMainQueue.h"
 #include "platform/qt/QtMessages.h"
+#include "platform/qt/QtNotifications.h"
+#include "platform/qt/QtScreens.h"
 #include "platform/qt/QtStatusBar.h"
 #include "platform/qt/SerialQueues.h"
 #include "platform/qt/SessionLock.h"
@@ -26,6 +31,7 @@
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -68,7 +74,10 @@ std::string describe(const x11::XError& error) {
            resource;
 }
 
-skylet::AppCallbacks makeCallbacks() {
+// The program's windows, which the controller opens and which refer to it.
+using Windows = std::unique_ptr<skylet::ProgramWindows>;
+
+skylet::AppCallbacks makeCallbacks(const Windows& windows) {
     return {.reportToUser = tellUser,
             .fatal =
                 [](const std::string& message) {
@@ -76,9 +85,11 @@ skylet::AppCallbacks makeCallbacks() {
                     isServerNeeded = false;
                     std::_Exit(EXIT_FAILURE);
                 },
-            .terminate =
-                [] {
-                    QCoreApplication::quit();
+            .terminate = [] { QCoreApplication::quit(); },
+            .openSettings = [&windows] { windows->openSettings(); },
+            .openAbout =
+                [&windows] {
+                    windows->openAbout();
                 }};
 }
 
@@ -108,9 +119,13 @@ int run(QApplication& application, qt::QtMessages& messages) {
     const auto reopen = [&reopened] {
         reopened();
     };
+    std::function<bool(const QString&)> perform = [](const QString&) {
+        return false;
+    };
     const auto sessionBus = qt::sessionBus();
     qt::SingleInstance instance(sessionBus, QString::fromLatin1(skylet::bundleIdentifier),
-                                QStringLiteral("/com/corvane/skylet"), reopen);
+                                QStringLiteral("/com/corvane/skylet"), reopen,
+                                [&perform](const QString& action) { return perform(action); });
     x11::InstanceSelection selection(connection, reopen);
     if (instance.claim() == qt::SingleInstance::Result::activated || !selection.claim()) {
         isServerNeeded = false;
@@ -119,7 +134,7 @@ int run(QApplication& application, qt::QtMessages& messages) {
 
     qt::AccessibilityTrust trust(sessionBus);
     qt::SessionLock sessionLock(sessionBus, qt::systemBus());
-    qt::QtApplication windows;
+    qt::QtApplication ownWindows;
     qt::QtStatusBar statusBar(sessionBus);
     x11::X11Desktop desktop(connection, {mainQueue, queues, trust, sessionLock});
     const auto scrolling = x11::X11WorkerDesktop::open({}, mainQueue, sessionBus);
@@ -135,6 +150,7 @@ int run(QApplication& application, qt::QtMessages& messages) {
                                  .mainQueue = mainQueue,
                                  .queues = queues,
                                  .log = log});
+    Windows windows;
     skylet::AppDelegate delegate({.windowServer = desktop.windowServer(),
                                   .accessibility = desktop.accessibility(),
                                   .screenCapture = desktop.screenCapture(),
@@ -144,15 +160,50 @@ int run(QApplication& application, qt::QtMessages& messages) {
                                   .defaults = defaults,
                                   .mainQueue = mainQueue,
                                   .log = log},
-                                 scroller, desktop.eventTap(), desktop.eventPoster(), windows, statusBar,
-                                 makeCallbacks());
+                                 scroller, desktop.eventTap(), desktop.eventPoster(), ownWindows, statusBar,
+                                 makeCallbacks(windows));
     reopened = [&delegate] {
         delegate.applicationShouldHandleReopen();
+    };
+    qt::QtScreens screens(desktop.screens());
+    qt::QtNotifications notifications(sessionBus);
+    qt::QtKeyDownMonitor keyDownMonitor(
+        [&desktop](quint32 keyCode, quint32 state) { return desktop.keyDown(keyCode, state); });
+    qt::AutostartEntry loginItem(qt::AutostartEntry::defaultPath(skylet::bundleIdentifier),
+                                 skylet::productName, QCoreApplication::applicationFilePath().toStdString());
+    windows = std::make_unique<skylet::ProgramWindows>(skylet::ProgramWindows::Services{
+        .delegate = delegate,
+        .eventTap = desktop.eventTap(),
+        .eventPoster = desktop.eventPoster(),
+        .defaults = defaults,
+        .mainQueue = mainQueue,
+        .accessibility = desktop.accessibility(),
+        .screenCapture = desktop.screenCapture(),
+        .workspace = desktop.workspace(),
+        .screens = screens,
+        .notifications = notifications,
+        .keyDownMonitor = keyDownMonitor,
+        .loginItem = loginItem,
+        .ownWindows = desktop.ownWindows(),
+        .allowAccessibility = [&trust] { trust.enable(); },
+        .updateIcon = [&delegate] { delegate.updateIcon(); },
+        .bundle = {.name = skylet::productName, .shortVersion = SKYLET_VERSION},
+    });
+    perform = [&delegate](const QString& action) {
+        if (action == QStringLiteral("settings")) {
+            delegate.openSettings();
+        } else if (action == QStringLiteral("about")) {
+            delegate.openAbout();
+        } else {
+            return false;
+        }
+        return true;
     };
     const qt::TerminationSignals signals([] { QCoreApplication::quit(); });
 
     delegate.applicationDidFinishLaunching();
     const int status = application.exec();
+    windows.reset();
     delegate.applicationWillTerminate();
     // Streams that are still stopping refer to the adapters below.
     mainQueue.discard();

@@ -18,9 +18,14 @@ constexpr int pinLevel = 4;
 constexpr double fadeInSeconds = 0.15;
 constexpr Rect fallbackFrame{100, 100, 800, 600};
 
-platform::PanelConfiguration panelConfiguration(const platform::Defaults& defaults) {
+std::uint32_t collectionBehavior(const platform::Defaults& defaults) {
     namespace Behavior = platform::CollectionBehavior;
     const bool onAllSpaces = defaults.readBool(PreferenceKeys::pinToAllSpaces).valueOr(false);
+    return onAllSpaces ? Behavior::canJoinAllSpaces | Behavior::fullScreenAuxiliary
+                       : Behavior::fullScreenAuxiliary;
+}
+
+platform::PanelConfiguration panelConfiguration(const platform::Defaults& defaults) {
     return {
         .styleMask = platform::styleMaskNonactivatingPanel,
         .level = pinLevel,
@@ -28,8 +33,7 @@ platform::PanelConfiguration panelConfiguration(const platform::Defaults& defaul
         .hasShadow = true,
         .isFloatingPanel = true,
         .hidesOnDeactivate = false,
-        .collectionBehavior = onAllSpaces ? Behavior::canJoinAllSpaces | Behavior::fullScreenAuxiliary
-                                          : Behavior::fullScreenAuxiliary,
+        .collectionBehavior = collectionBehavior(defaults),
         .contentsGravity = platform::ContentsGravity::resize,
     };
 }
@@ -163,6 +167,10 @@ void WindowOverlay::stepDown() {
     canvas_->updateGripVisibility();
     stopStream();
     frameSyncTimer.reset();
+}
+
+void WindowOverlay::applyPinToAllSpaces() {
+    panel_->setCollectionBehavior(collectionBehavior(environment_.defaults));
 }
 
 bool WindowOverlay::forwardEvents(const platform::Defaults& defaults, const platform::Workspace& workspace) {

@@ -37,6 +37,8 @@ class WindowOverlay {
     void hideOverlay();
     // Applies a changed capture rate to the running stream.
     void applyCaptureRate();
+    // Shows the overlay on every desktop or on its own one only, as the preference says now.
+    void applyPinToAllSpaces();
 
     [[nodiscard]] bool isPinVisible() const { return isPinVisible_; }
     [[nodiscard]] platform::WindowID targetWindowID() const { return targetWindowID_; }

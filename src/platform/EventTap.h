@@ -16,6 +16,12 @@ enum class TapEventType : std::uint32_t {
     disabledByUserInput = 0xFFFFFFFF,
 };
 
+// Why a key-down cannot be had.
+enum class KeyRefusal {
+    heldByAnotherProgram,
+    notOnKeyboard, // no such key, or no such modifier
+};
+
 struct KeyEvent {
     std::int64_t keyCode = 0; // virtual key code
     std::uint64_t flags = 0;  // event flags, see ModifierFlags
@@ -39,6 +45,9 @@ class EventTap {
     virtual void setEnabled(bool enabled) = 0;
     // One English sentence with the way out, or nothing when there is nothing the user could do.
     [[nodiscard]] virtual std::optional<std::string> failureReason() const = 0;
+
+    // Why the wanted key-down cannot be had; nothing when it can.
+    [[nodiscard]] virtual std::optional<KeyRefusal> refusal() const = 0;
 
     // Whether a retry of `create` makes sense: the permission that the platform asks for a tap, if any.
     [[nodiscard]] virtual bool mayCreate() const = 0;

@@ -159,6 +159,17 @@ TEST_F(GlobalHotkeyTest, AChangedShortcutTakesEffectWithoutANewTap) {
     EXPECT_EQ(reports, Lines{"Taken."});
 }
 
+TEST_F(GlobalHotkeyTest, AnotherShortcutEndsTheWaitingAtOnce) {
+    desktop.eventTap.canCreate = false;
+    hotkey.registerHotkey();
+    desktop.eventTap.canCreate = true;
+    hotkey.setShortcut(12, command);
+    hotkey.saveShortcut();
+    EXPECT_TRUE(desktop.eventTap.press(12, command));
+    desktop.advance(10);
+    EXPECT_EQ(desktop.eventTap.attempts, 2);
+}
+
 TEST_F(GlobalHotkeyTest, AClearedShortcutPassesEveryKeyAndPublishesNothing) {
     hotkey.registerHotkey();
     hotkey.setShortcut(0, 0);

@@ -2,6 +2,8 @@
 #include "platform/Waiting.h"
 #include "platform/qt/AccessibilityTrust.h"
 #include "platform/qt/DBusBuses.h"
+#include "platform/qt/DBusSignal.h"
+#include "platform/qt/QtNotifications.h"
 #include "platform/qt/SessionLock.h"
 #include "platform/qt/SingleInstance.h"
 
@@ -21,6 +23,8 @@ namespace skylet::test {
 namespace {
 
 using platform::qt::AccessibilityTrust;
+using platform::qt::DBusSignal;
+using platform::qt::QtNotifications;
 using platform::qt::SessionLock;
 using platform::qt::SingleInstance;
 
@@ -124,6 +128,70 @@ TEST_F(BusTest, AnswersTheApplicationInterfaceOnly) {
         EXPECT_EQ(!pending.isError(), one.answered) << one.message.member().toStdString();
         EXPECT_EQ(activations, one.activations) << one.message.member().toStdString();
     }
+}
+
+TEST_F(BusTest, ChangesOfAccessibilityAreAnnounced) {
+    const QDBusConnection others = connect();
+    const auto change = [&](const QString& object, const QString& interface) {
+        auto signal = QDBusMessage::createSignal(object, QStringLiteral("org.freedesktop.DBus.Properties"),
+                                                 QStringLiteral("PropertiesChanged"));
+        signal << interface << QVariantMap{{QStringLiteral("IsEnabled"), true}} << QStringList();
+        others.send(signal);
+    };
+    const QDBusConnection ours = connect();
+    // Signals keep their order: once the marker has come, so has everything before it.
+    int markers = 0;
+    const auto marker = QStringLiteral("org.example.Marker");
+    const DBusSignal marking(ours, {QString(), QString(), marker, QStringLiteral("Here")},
+                             [&](const QDBusMessage& /*signal*/) { ++markers; });
+    const auto settle = [&] {
+        const int before = markers;
+        others.send(QDBusMessage::createSignal(QStringLiteral("/"), marker, QStringLiteral("Here")));
+        return eventually([&] { return markers > before; });
+    };
+
+    QtNotifications notifications(ours);
+    int announcements = 0;
+    const auto count = [&] {
+        ++announcements;
+    };
+    auto observing = notifications.observeDistributed("com.apple.accessibility.api", count);
+    EXPECT_FALSE(notifications.observeDistributed("another.name", count));
+    const auto status = QStringLiteral("/org/a11y/bus");
+    const auto ofStatus = QStringLiteral("org.a11y.Status");
+    ASSERT_TRUE(settle());
+    change(status, QStringLiteral("org.example.Other"));
+    change(QStringLiteral("/elsewhere"), ofStatus);
+    ASSERT_TRUE(settle());
+    EXPECT_EQ(announcements, 0);
+    change(status, ofStatus);
+    ASSERT_TRUE(settle());
+    EXPECT_EQ(announcements, 1);
+    observing.reset();
+    change(status, ofStatus);
+    ASSERT_TRUE(settle());
+    EXPECT_EQ(announcements, 1);
+}
+
+TEST_F(BusTest, PerformsItsActionsAndIsActivatedByOthers) {
+    int activations = 0;
+    QStringList performed;
+    SingleInstance instance(
+        connect(), name, path, [&] { ++activations; },
+        [&](const QString& action) {
+            performed << action;
+            return action == QStringLiteral("settings");
+        });
+    ASSERT_EQ(instance.claim(), SingleInstance::Result::first);
+    const QDBusConnection client = connect();
+    for (const auto& action : {QStringLiteral("settings"), QStringLiteral("unknown")}) {
+        QDBusPendingCall pending =
+            client.asyncCall(call(QStringLiteral("ActivateAction"), {action, QVariantList(), QVariantMap()}));
+        EXPECT_TRUE(eventually([&] { return pending.isFinished(); }));
+        EXPECT_FALSE(pending.isError());
+    }
+    EXPECT_EQ(performed, (QStringList{QStringLiteral("settings"), QStringLiteral("unknown")}));
+    EXPECT_EQ(activations, 1);
 }
 
 TEST(Bus, IsNeverStarted) {

@@ -109,12 +109,14 @@ TEST_F(EventTapTest, SaysWhoIsInTheWay) {
               std::string::npos)
         << *tap_.failureReason();
     EXPECT_NE(tap_.failureReason()->find("shortcutKeyCode"), std::string::npos);
+    EXPECT_EQ(tap_.refusal(), platform::KeyRefusal::heldByAnotherProgram);
     EXPECT_FALSE(other_.grabKey(XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_4, x(KEY_P))) << "a part was kept";
 
     other_.ungrabKey(XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_4 | XCB_MOD_MASK_LOCK, x(KEY_P));
     other_.ungrabKey(XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_4, x(KEY_P));
     EXPECT_TRUE(create());
     EXPECT_FALSE(tap_.failureReason());
+    EXPECT_FALSE(tap_.refusal());
 }
 
 TEST_F(EventTapTest, ChangesTheKeyAtOnce) {
@@ -131,6 +133,7 @@ TEST_F(EventTapTest, ChangesTheKeyAtOnce) {
     EXPECT_TRUE(tap_.failureReason());
     EXPECT_FALSE(tap_.setWantedKey(54, Modifier::control)) << "no key has this code";
     EXPECT_TRUE(tap_.failureReason());
+    EXPECT_EQ(tap_.refusal(), platform::KeyRefusal::notOnKeyboard);
     EXPECT_TRUE(tap_.setWantedKey(keyO, Modifier::control));
     EXPECT_FALSE(tap_.failureReason());
     EXPECT_EQ(strike({x(KEY_LEFTCTRL), x(KEY_O)}), 1U);

@@ -45,6 +45,9 @@ class SimEventTap final : public platform::EventTap {
     [[nodiscard]] bool exists() const override { return static_cast<bool>(callback_); }
     void setEnabled(bool value) override { enabled = value; }
     [[nodiscard]] std::optional<std::string> failureReason() const override { return reason; }
+    [[nodiscard]] std::optional<platform::KeyRefusal> refusal() const override {
+        return keyIsFree ? std::nullopt : std::optional(platform::KeyRefusal::heldByAnotherProgram);
+    }
     [[nodiscard]] bool mayCreate() const override { return permitted; }
     [[nodiscard]] bool preflightListenAccess() override { return permitted; }
 
@@ -61,11 +64,18 @@ class SimEventPoster final : public platform::EventPoster {
     bool permitted = true;
     std::vector<Posted> posted;
 
+    bool grantsOnRequest = false;
+    int requests = 0;
+
     void postToPid(const platform::SyntheticEvent& event, platform::ProcessID pid) override {
         posted.push_back({event, pid});
     }
     [[nodiscard]] bool preflightPostAccess() override { return permitted; }
-    bool requestPostAccess() override { return permitted; }
+    bool requestPostAccess() override {
+        ++requests;
+        permitted = permitted || grantsOnRequest;
+        return permitted;
+    }
 };
 
 } // namespace skylet::sim

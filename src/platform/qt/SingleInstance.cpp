@@ -4,6 +4,7 @@
 #include <QDBusMessage>
 #include <QVariantMap>
 
+#include <algorithm>
 #include <utility>
 
 namespace skylet::platform::qt {
@@ -16,11 +17,12 @@ const auto applicationInterface = QStringLiteral("org.freedesktop.Application");
 } // namespace
 
 SingleInstance::SingleInstance(QDBusConnection sessionBus, QString name, QString path,
-                               std::function<void()> activated)
+                               std::function<void()> activated, Perform perform)
     : bus_(std::move(sessionBus))
     , name_(std::move(name))
     , path_(std::move(path))
-    , activated_(std::move(activated)) {}
+    , activated_(std::move(activated))
+    , perform_(std::move(perform)) {}
 
 SingleInstance::~SingleInstance() {
     if (bus_.isConnected()) {
@@ -89,14 +91,18 @@ bool SingleInstance::handleMessage(const QDBusMessage& message, const QDBusConne
     if (!message.interface().isEmpty() && message.interface() != applicationInterface) {
         return false;
     }
-    for (const Method& method : methods) {
-        if (message.member() == method.name && message.signature() == method.signature) {
-            connection.send(message.createReply());
+    const bool isKnown = std::ranges::any_of(methods, [&](const Method& method) {
+        return message.member() == method.name && message.signature() == method.signature;
+    });
+    if (isKnown) {
+        connection.send(message.createReply());
+        // An action that is not known still is an activation.
+        const bool isAction = message.member() == QStringLiteral("ActivateAction");
+        if (!isAction || !perform_ || !perform_(message.arguments().constFirst().toString())) {
             activated_();
-            return true;
         }
     }
-    return false;
+    return isKnown;
 }
 
 } // namespace skylet::platform::qt

@@ -21,8 +21,12 @@ class SingleInstance : public QDBusVirtualObject {
         noBus,
     };
 
+    // Performs an action of the program's desktop entry; false when there is none of that name.
+    using Perform = std::function<bool(const QString& action)>;
+
     // `activated` is called when the program is started or activated again.
-    SingleInstance(QDBusConnection sessionBus, QString name, QString path, std::function<void()> activated);
+    SingleInstance(QDBusConnection sessionBus, QString name, QString path, std::function<void()> activated,
+                   Perform perform = {});
     SingleInstance(const SingleInstance&) = delete;
     SingleInstance& operator=(const SingleInstance&) = delete;
     ~SingleInstance() override;
@@ -40,6 +44,7 @@ class SingleInstance : public QDBusVirtualObject {
     QString name_;
     QString path_;
     std::function<void()> activated_;
+    Perform perform_;
     bool owned_ = false;
 };
 

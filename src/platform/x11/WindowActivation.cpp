@@ -37,25 +37,55 @@ bool raiseWindow(Connection& connection, xcb_window_t window) {
         window, std::uint16_t{XCB_CONFIG_WINDOW_STACK_MODE}, static_cast<const void*>(&above));
 }
 
+namespace {
+
+void focusWithoutManager(Connection& connection, xcb_window_t window) {
+    const std::uint32_t above = XCB_STACK_MODE_ABOVE;
+    connection.sendTolerant<xcb_configure_window>(window, std::uint16_t{XCB_CONFIG_WINDOW_STACK_MODE},
+                                                  static_cast<const void*>(&above));
+    connection.sendTolerant<xcb_set_input_focus>(std::uint8_t{XCB_INPUT_FOCUS_POINTER_ROOT}, window,
+                                                 connection.serverTime());
+    connection.flush();
+}
+
+// The window's desktop where the user is on another one.
+std::optional<std::uint32_t> otherDesktop(Connection& connection, xcb_window_t window,
+                                          const ClientWindows& desktop) {
+    auto place = askProperty(connection, window, connection.atoms().NET_WM_DESKTOP, XCB_ATOM_CARDINAL, 1);
+    const auto itsDesktop = firstItem(place, XCB_ATOM_CARDINAL);
+    const bool isElsewhere = itsDesktop && desktop.currentDesktop && *itsDesktop != allDesktops &&
+                             *itsDesktop != *desktop.currentDesktop;
+    return isElsewhere ? itsDesktop : std::nullopt;
+}
+
+} // namespace
+
 void activateWindow(Connection& connection, xcb_window_t window, const ClientWindows& desktop) {
-    const Atoms& atoms = connection.atoms();
     if (desktop.windowManager == XCB_WINDOW_NONE) {
-        const std::uint32_t above = XCB_STACK_MODE_ABOVE;
-        connection.sendTolerant<xcb_configure_window>(window, std::uint16_t{XCB_CONFIG_WINDOW_STACK_MODE},
-                                                      static_cast<const void*>(&above));
-        connection.sendTolerant<xcb_set_input_focus>(std::uint8_t{XCB_INPUT_FOCUS_POINTER_ROOT}, window,
-                                                     connection.serverTime());
-        connection.flush();
+        focusWithoutManager(connection, window);
         return;
     }
-    auto place = askProperty(connection, window, atoms.NET_WM_DESKTOP, XCB_ATOM_CARDINAL, 1);
-    const auto itsDesktop = firstItem(place, XCB_ATOM_CARDINAL);
+    const auto itsDesktop = otherDesktop(connection, window, desktop);
     const xcb_timestamp_t time = connection.serverTime();
-    if (itsDesktop && desktop.currentDesktop && *itsDesktop != allDesktops &&
-        *itsDesktop != *desktop.currentDesktop) {
-        sendToManager(connection, connection.root(), atoms.NET_CURRENT_DESKTOP, {*itsDesktop, time, 0, 0, 0});
+    if (itsDesktop) {
+        sendToManager(connection, connection.root(), connection.atoms().NET_CURRENT_DESKTOP,
+                      {*itsDesktop, time, 0, 0, 0});
     }
-    sendToManager(connection, window, atoms.NET_ACTIVE_WINDOW, {sourcePager, time, 0, 0, 0});
+    sendToManager(connection, window, connection.atoms().NET_ACTIVE_WINDOW, {sourcePager, time, 0, 0, 0});
+    connection.flush();
+}
+
+void activateHere(Connection& connection, xcb_window_t window, const ClientWindows& desktop) {
+    if (desktop.windowManager == XCB_WINDOW_NONE) {
+        focusWithoutManager(connection, window);
+        return;
+    }
+    if (otherDesktop(connection, window, desktop)) {
+        sendToManager(connection, window, connection.atoms().NET_WM_DESKTOP,
+                      {*desktop.currentDesktop, sourcePager, 0, 0, 0});
+    }
+    sendToManager(connection, window, connection.atoms().NET_ACTIVE_WINDOW,
+                  {sourcePager, connection.serverTime(), 0, 0, 0});
     connection.flush();
 }
 

@@ -15,4 +15,7 @@ namespace skylet::platform::x11 {
 // Brings the window to the front with the focus; switches to its desktop first, where it is on another one.
 void activateWindow(Connection& connection, xcb_window_t window, const ClientWindows& desktop);
 
+// The same, but brings the window to the user's desktop instead of the user to the window's.
+void activateHere(Connection& connection, xcb_window_t window, const ClientWindows& desktop);
+
 } // namespace skylet::platform::x11

@@ -1,6 +1,9 @@
 #include "platform/x11/X11Desktop.h"
 
 #include "platform/x11/EventWindow.h"
+#include "platform/x11/KeyCodes.h"
+
+#include <limits>
 
 namespace skylet::platform::x11 {
 
@@ -18,7 +21,8 @@ X11Desktop::X11Desktop(Connection& connection, const Services& services)
     , workspace_(connection, services.mainQueue, services.queues, raised_)
     , screens_(connection, layout_)
     , eventTap_(connection)
-    , eventPoster_(connection, modifiers_, services.mainQueue) {
+    , eventPoster_(connection, modifiers_, services.mainQueue)
+    , ownWindows_(connection) {
     const auto passLock = [this] {
         panelStack_.setSessionLocked(sessionLock_.isLocked());
     };
@@ -29,6 +33,14 @@ X11Desktop::X11Desktop(Connection& connection, const Services& services)
             modifiers_.read(connection_);
         }
     });
+}
+
+std::optional<KeyEvent> X11Desktop::keyDown(std::uint32_t keyCode, std::uint32_t state) const {
+    const auto virtualKeyCode = toVirtualKeyCode(static_cast<xcb_keycode_t>(keyCode));
+    if (!virtualKeyCode || keyCode > std::numeric_limits<xcb_keycode_t>::max()) {
+        return std::nullopt;
+    }
+    return KeyEvent{*virtualKeyCode, modifiers_.flags(static_cast<std::uint16_t>(state))};
 }
 
 } // namespace skylet::platform::x11

@@ -15,6 +15,7 @@
 #include "platform/x11/X11Accessibility.h"
 #include "platform/x11/X11EventPoster.h"
 #include "platform/x11/X11EventTap.h"
+#include "platform/x11/X11OwnWindows.h"
 #include "platform/x11/X11Panel.h"
 #include "platform/x11/X11ScreenCapture.h"
 #include "platform/x11/X11Screens.h"
@@ -45,6 +46,9 @@ class X11Desktop {
     [[nodiscard]] Screens& screens() { return screens_; }
     [[nodiscard]] EventTap& eventTap() { return eventTap_; }
     [[nodiscard]] EventPoster& eventPoster() { return eventPoster_; }
+    [[nodiscard]] OwnWindows& ownWindows() { return ownWindows_; }
+    // The key-down of a key code and modifier state of X; nothing for modifiers and keys of no keyboard here.
+    [[nodiscard]] std::optional<KeyEvent> keyDown(std::uint32_t keyCode, std::uint32_t state) const;
 
   private:
     Connection& connection_;
@@ -62,6 +66,7 @@ class X11Desktop {
     X11Screens screens_;
     X11EventTap eventTap_;
     X11EventPoster eventPoster_;
+    X11OwnWindows ownWindows_;
     Subscription lockChanges_;
     Subscription mappingChanges_;
 };

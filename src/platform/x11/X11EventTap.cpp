@@ -90,31 +90,38 @@ void X11EventTap::setEnabled(bool enabled) {
 bool X11EventTap::grab() {
     grab_.reset();
     failureReason_.reset();
+    refusal_.reset();
     if (wantedKey_ == 0 && wantedFlags_ == 0) {
         return true;
     }
     const auto keyCode = toXKeyCode(wantedKey_);
     if (!keyCode) {
-        failureReason_ =
-            "no key has the shortcut's key code " + std::to_string(wantedKey_) + ": " + wayOut + ".";
-        return false;
+        return refuse(KeyRefusal::notOnKeyboard, "no key has the shortcut's key code " +
+                                                     std::to_string(wantedKey_) + ": " + wayOut + ".");
     }
     const std::uint16_t state = modifiers_.state(wantedFlags_);
     if (modifiers_.flags(state) != wantedFlags_) {
-        failureReason_ =
-            "the keyboard layout lacks a modifier of the shortcut " + wantedInWords() + ": " + wayOut + ".";
-        return false;
+        return refuse(KeyRefusal::notOnKeyboard, "the keyboard layout lacks a modifier of the shortcut " +
+                                                     wantedInWords() + ": " + wayOut + ".");
     }
     auto result = KeyGrab::make(connection_, modifiers_, *keyCode, state);
+    if (result.error && result.error->code == XCB_ACCESS) {
+        return refuse(KeyRefusal::heldByAnotherProgram, "another program holds the shortcut " +
+                                                            wantedInWords() + ": " + wayOut +
+                                                            ", or close that program.");
+    }
     if (result.error) {
-        failureReason_ = result.error->code == XCB_ACCESS
-                             ? "another program holds the shortcut " + wantedInWords() + ": " + wayOut +
-                                   ", or close that program."
-                             : "the X server refuses the shortcut " + wantedInWords() + ": " + wayOut + ".";
-        return false;
+        return refuse(KeyRefusal::notOnKeyboard,
+                      "the X server refuses the shortcut " + wantedInWords() + ": " + wayOut + ".");
     }
     grab_ = std::move(result.grab);
     return true;
+}
+
+bool X11EventTap::refuse(KeyRefusal refusal, std::string reason) {
+    refusal_ = refusal;
+    failureReason_ = std::move(reason);
+    return false;
 }
 
 void X11EventTap::handleKey(const xcb_generic_event_t& event) {

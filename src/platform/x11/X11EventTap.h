@@ -23,6 +23,7 @@ class X11EventTap : public EventTap {
     [[nodiscard]] bool exists() const override { return callback_ != nullptr; }
     void setEnabled(bool enabled) override;
     [[nodiscard]] std::optional<std::string> failureReason() const override { return failureReason_; }
+    [[nodiscard]] std::optional<KeyRefusal> refusal() const override { return refusal_; }
 
     // The X server asks for no permission.
     [[nodiscard]] bool mayCreate() const override { return true; }
@@ -31,6 +32,7 @@ class X11EventTap : public EventTap {
   private:
     // Grabs the wanted key anew; false, with the reason, when it cannot be had.
     bool grab();
+    bool refuse(KeyRefusal refusal, std::string reason);
     void handleKey(const xcb_generic_event_t& event);
     void handleMapping(const xcb_generic_event_t& event);
     [[nodiscard]] std::string wantedInWords();
@@ -44,6 +46,7 @@ class X11EventTap : public EventTap {
     Callback callback_;
     std::unique_ptr<KeyGrab> grab_;
     std::optional<std::string> failureReason_;
+    std::optional<KeyRefusal> refusal_;
     Subscription keys_;
     Subscription mapping_;
     Subscription batch_;

@@ -1,10 +1,12 @@
 #include "platform/x11/X11Workspace.h"
 
+#include "platform/qt/SettingsProgram.h"
 #include "platform/x11/ClientPid.h"
 #include "platform/x11/EventWindow.h"
 #include "platform/x11/WindowActivation.h"
 
 #include <QProcess>
+#include <QStandardPaths>
 
 #include <algorithm>
 #include <unistd.h>
@@ -129,9 +131,19 @@ void X11Workspace::handleTermination(ProcessID pid) {
 }
 
 bool X11Workspace::openURL(const std::string& url) {
+    const QString text = QString::fromStdString(url);
+    std::optional<QStringList> command = QStringList{QStringLiteral("xdg-open"), text};
+    if (qt::namesSettingsPane(text)) {
+        command = qt::settingsProgram(
+            text, qEnvironmentVariable("XDG_CURRENT_DESKTOP"),
+            [](const QString& program) { return !QStandardPaths::findExecutable(program).isEmpty(); });
+    }
+    if (!command) {
+        return false;
+    }
     QProcess opener;
-    opener.setProgram(QStringLiteral("xdg-open"));
-    opener.setArguments({QString::fromStdString(url)});
+    opener.setProgram(command->takeFirst());
+    opener.setArguments(*command);
     // A browser talks a lot, and for as long as it runs.
     opener.setStandardInputFile(QProcess::nullDevice());
     opener.setStandardOutputFile(QProcess::nullDevice());

@@ -1,0 +1,191 @@
+#include "settings/ZentroShortcutRecorder.h"
+
+#include "platform/InputEvent.h"
+#include "settings/ZentroShortcutPanel.h"
+#include "support/SimKeys.h"
+#include "support/SimSettings.h"
+
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace skylet {
+namespace {
+
+constexpr std::uint64_t shift = 0x20000, control = 0x40000, option = 0x80000, command = 0x100000;
+constexpr std::uint64_t capsLock = 0x10000, numericPad = 0x200000, function = 0x800000;
+
+class ZentroShortcutRecorderTest : public testing::Test {
+  protected:
+    ZentroShortcutRecorderTest() {
+        static_cast<void>(tap.create([](platform::TapEventType, const platform::KeyEvent&) { return true; }));
+        tap.setEnabled(true);
+    }
+    [[nodiscard]] ZentroShortcutRecorder::Connections connections() {
+        return {
+            .label = "label",
+            .keyCode = {.get = [this] { return keyCode; },
+                        .set =
+                            [this](std::uint16_t code) {
+                                keyCode = code;
+                            }},
+            .modifiers = {.get = [this] { return modifiers; },
+                          .set =
+                              [this](std::uint64_t flags) {
+                                  modifiers = flags;
+                              }},
+            .displayString = [] { return std::string("shown"); },
+            // The tap is still off and the pair already written when it is told.
+            .onChanged =
+                [this] {
+                    events.push_back("changed " + std::to_string(keyCode) + (tap.enabled ? " tap on" : ""));
+                },
+            .onClear =
+                [this] {
+                    keyCode = 0;
+                    modifiers = 0;
+                    events.emplace_back("cleared");
+                },
+            .eventTapToDisable = &tap,
+            .onRecordingChanged = [this](bool on) { events.emplace_back(on ? "started" : "stopped"); },
+            .refusal = [this] { return tap.refusal(); },
+        };
+    }
+
+    sim::SimEventTap tap;
+    sim::SimKeyDownMonitor monitor;
+    std::uint16_t keyCode = 35;
+    std::uint64_t modifiers = control | command;
+    std::vector<std::string> events;
+};
+
+TEST_F(ZentroShortcutRecorderTest, TakesRefusesOrCancelsByKeyAndModifiers) {
+    enum class Outcome { taken, refused, cancelled };
+    struct Case {
+        const char* description;
+        std::int64_t key;
+        std::uint64_t flags;
+        Outcome outcome;
+        std::uint64_t stored = 0;
+    };
+    const Case cases[] = {
+        {"F5 alone", 96, 0, Outcome::taken, 0},
+        {"F20 with shift", 90, shift, Outcome::taken, shift},
+        {"F1 with its function flag", 122, function, Outcome::taken, 0},
+        {"P alone", 35, 0, Outcome::refused},
+        {"shift-P", 35, shift, Outcome::refused},
+        {"caps lock is no modifier", 35, capsLock, Outcome::refused},
+        {"command-shift-P", 35, command | shift, Outcome::taken, command | shift},
+        {"with caps lock on", 35, command | shift | capsLock, Outcome::taken, command | shift},
+        {"option-keypad", 83, option | numericPad, Outcome::taken, option},
+        {"control-A, whose key code is 0", 0, control, Outcome::taken, control},
+        {"all four", 11, shift | control | option | command, Outcome::taken,
+         shift | control | option | command},
+        {"arrows are no function keys", 123, function, Outcome::refused},
+        {"tab", 48, 0, Outcome::refused},
+        {"escape", 53, 0, Outcome::cancelled},
+        {"escape with modifiers", 53, control | command, Outcome::cancelled},
+    };
+    for (const Case& test : cases) {
+        SCOPED_TRACE(test.description);
+        keyCode = 35;
+        modifiers = control | command;
+        events.clear();
+        ZentroShortcutRecorder recorder(monitor, connections());
+        recorder.startRecording();
+        EXPECT_TRUE(recorder.isRecording());
+        EXPECT_FALSE(tap.enabled);
+        EXPECT_TRUE(monitor.press(test.key, test.flags));
+        const bool taken = test.outcome == Outcome::taken;
+        EXPECT_EQ(recorder.needsModifier(), test.outcome == Outcome::refused);
+        EXPECT_EQ(recorder.isRecording(), test.outcome == Outcome::refused);
+        EXPECT_EQ(monitor.isInstalled(), test.outcome == Outcome::refused);
+        EXPECT_EQ(tap.enabled, test.outcome != Outcome::refused);
+        EXPECT_EQ(keyCode, taken ? test.key : 35);
+        EXPECT_EQ(modifiers, taken ? test.stored : control | command);
+        std::vector<std::string> expected{"started"};
+        if (taken) {
+            expected.push_back("changed " + std::to_string(test.key));
+        }
+        if (test.outcome != Outcome::refused) {
+            expected.emplace_back("stopped");
+        }
+        EXPECT_EQ(events, expected);
+    }
+}
+
+TEST_F(ZentroShortcutRecorderTest, ARefusedKeyIsFollowedByAnother) {
+    ZentroShortcutRecorder recorder(monitor, connections());
+    int notices = 0;
+    const auto changes = recorder.observeDidChange([&notices] { ++notices; });
+    recorder.startRecording();
+    monitor.press(35);
+    EXPECT_TRUE(recorder.needsModifier());
+    EXPECT_EQ(notices, 2);
+    monitor.press(40, option);
+    EXPECT_EQ(keyCode, 40);
+    EXPECT_FALSE(recorder.needsModifier());
+    EXPECT_EQ(notices, 3);
+    recorder.startRecording();
+    EXPECT_FALSE(recorder.needsModifier());
+}
+
+TEST_F(ZentroShortcutRecorderTest, EveryWayOutRestoresTheTap) {
+    {
+        ZentroShortcutRecorder recorder(monitor, connections());
+        recorder.startRecording();
+    }
+    EXPECT_TRUE(tap.enabled);
+    EXPECT_FALSE(monitor.isInstalled());
+    EXPECT_EQ(events, (std::vector<std::string>{"started", "stopped"}));
+    ZentroShortcutRecorder recorder(monitor, connections());
+    tap.setEnabled(false);
+    recorder.stopRecording(); // runs fully though nothing is being recorded
+    EXPECT_TRUE(tap.enabled);
+}
+
+TEST_F(ZentroShortcutRecorderTest, ClearsOnlyWhatIsSetAndOnlyWhereItMay) {
+    struct Case {
+        std::uint16_t keyCode;
+        std::uint64_t modifiers;
+        bool isSet;
+    };
+    for (const Case& test : {Case{0, 0, false}, Case{0, command, true}, Case{96, 0, true}}) {
+        keyCode = test.keyCode;
+        modifiers = test.modifiers;
+        ZentroShortcutRecorder recorder(monitor, connections());
+        EXPECT_EQ(recorder.isSet(), test.isSet);
+        EXPECT_EQ(recorder.canClear(), test.isSet);
+        auto without = connections();
+        without.onClear = {};
+        EXPECT_FALSE(ZentroShortcutRecorder(monitor, without).canClear());
+        recorder.clear();
+        EXPECT_FALSE(recorder.canClear());
+    }
+}
+
+TEST_F(ZentroShortcutRecorderTest, WorksWithTheLeastConnections) {
+    auto least = connections();
+    least.onChanged = {};
+    least.onRecordingChanged = {};
+    least.eventTapToDisable = nullptr;
+    least.refusal = {};
+    ZentroShortcutRecorder recorder(monitor, least);
+    recorder.startRecording();
+    EXPECT_TRUE(tap.enabled);
+    monitor.press(96);
+    EXPECT_EQ(keyCode, 96);
+    EXPECT_FALSE(recorder.refusal());
+}
+
+TEST_F(ZentroShortcutRecorderTest, ARefusedShortcutIsSaidUnlessThereIsNone) {
+    ZentroShortcutRecorder recorder(monitor, connections());
+    tap.keyIsFree = false;
+    EXPECT_EQ(recorder.refusal(), platform::KeyRefusal::heldByAnotherProgram);
+    recorder.clear();
+    EXPECT_FALSE(recorder.refusal());
+}
+
+} // namespace
+} // namespace skylet

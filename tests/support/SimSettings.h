@@ -1,0 +1,88 @@
+// What the settings see of the simulated desktop: notices, key-downs of this program's windows, the login
+// item.
+#pragma once
+
+#include "foundation/Notice.h"
+#include "platform/KeyDownMonitor.h"
+#include "platform/LoginItem.h"
+#include "platform/Notifications.h"
+#include "platform/OwnWindows.h"
+
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace skylet::sim {
+
+class SimNotifications final : public platform::Notifications {
+  public:
+    void becomeActive() { active_.post(); }
+    void announce(const std::string& name) { distributed_[name].post(); }
+
+    [[nodiscard]] platform::Subscription observeDidBecomeActive(std::function<void()> notice) override {
+        return active_.observe(std::move(notice));
+    }
+    [[nodiscard]] platform::Subscription observeDistributed(std::string_view name,
+                                                            std::function<void()> notice) override {
+        return distributed_[std::string(name)].observe(std::move(notice));
+    }
+
+  private:
+    Notice<> active_;
+    std::map<std::string, Notice<>> distributed_;
+};
+
+class SimKeyDownMonitor final : public platform::KeyDownMonitor {
+  public:
+    // The user presses a key in one of the windows; answers whether a monitor took it.
+    bool press(std::int64_t keyCode, std::uint64_t flags = 0) {
+        const auto handler = handler_.lock();
+        if (handler == nullptr) {
+            return false;
+        }
+        (*handler)({.keyCode = keyCode, .flags = flags});
+        return true;
+    }
+    [[nodiscard]] bool isInstalled() const { return !handler_.expired(); }
+
+    [[nodiscard]] platform::Subscription addLocalMonitorForKeyDown(Handler handler) override {
+        auto installed = std::make_unique<Installed>(std::move(handler));
+        handler_ = installed->handler;
+        return installed;
+    }
+
+  private:
+    struct Installed final : platform::SubscriptionBase {
+        explicit Installed(Handler value) : handler(std::make_shared<const Handler>(std::move(value))) {}
+        std::shared_ptr<const Handler> handler;
+    };
+
+    std::weak_ptr<const Handler> handler_;
+};
+
+class SimLoginItem final : public platform::LoginItem {
+  public:
+    bool enabled = false;
+    bool refuses = false;
+
+    [[nodiscard]] bool isEnabled() const override { return enabled; }
+    [[nodiscard]] bool registerItem() override {
+        enabled = enabled || !refuses;
+        return !refuses;
+    }
+    [[nodiscard]] bool unregisterItem() override {
+        enabled = enabled && refuses;
+        return !refuses;
+    }
+};
+
+class SimOwnWindows final : public platform::OwnWindows {
+  public:
+    std::vector<platform::NativeWindow> brought;
+
+    void bringToActiveSpace(platform::NativeWindow window) override { brought.push_back(window); }
+};
+
+} // namespace skylet::sim
