@@ -24,8 +24,8 @@ class StatusItemTest : public testing::Test {
         desktop.launchApplication(editor, "Editor");
         document = desktop.openWindow(editor, "doc", place);
         app = std::make_unique<AppDelegate>(
-            desktop.environment, OverlayInputRoutes{}, desktop.eventTap, desktop.eventPoster,
-            desktop.application, desktop.statusBar,
+            desktop.environment, desktop.scroller, desktop.eventTap, desktop.eventPoster, desktop.application,
+            desktop.statusBar,
             AppCallbacks{.reportToUser = {},
                          .fatal = {},
                          .terminate = [this] { done.emplace_back("terminate"); },
@@ -63,8 +63,8 @@ TEST_F(StatusItemTest, ExistsFromTheLaunchOnUnlessHidden) {
 
     sim::SimulatedDesktop other;
     other.defaults.setBool(hiddenKey, true);
-    AppDelegate hidden(other.environment, {}, other.eventTap, other.eventPoster, other.application,
-                       other.statusBar, {});
+    AppDelegate hidden(other.environment, other.scroller, other.eventTap, other.eventPoster,
+                       other.application, other.statusBar, {});
     hidden.applicationDidFinishLaunching();
     EXPECT_EQ(other.statusBar.itemsMade, 0);
     hidden.updateIcon();

@@ -29,8 +29,6 @@ class X11EventPoster : public EventPoster {
     [[nodiscard]] bool preflightPostAccess() override;
     bool requestPostAccess() override { return preflightPostAccess(); }
 
-    bool requestPostAccess() override { return preflightPostAccess(); }
-
   private:
     [[nodiscard]] bool usesSecondPointer(const PostedInput& input);
     // Whether a press at the point ends at a window that listens, and not at its frame.
