@@ -17,6 +17,7 @@ constexpr double idleSeconds = 1.0;
 constexpr double releaseGrace = 0.1;
 // What a popup needs to notice a click beside it.
 constexpr double popupGrace = 0.15;
+constexpr int closingAttempts = 8;
 constexpr std::uint8_t leftButton = 1;
 constexpr std::uint8_t rightButton = 3;
 // The keys' places on every keyboard: evdev codes 1 and 28 and the offset of 8.
@@ -171,7 +172,7 @@ void PostingSession::press(const PostedInput& input) {
     dropsUntilRelease_ = false;
     if (popups_.isOpen()) {
         // As a click beside a menu does: it closes, and the click is spent.
-        closePopups();
+        closePopups(0);
         dropsUntilRelease_ = true;
         return;
     }
@@ -179,14 +180,7 @@ void PostingSession::press(const PostedInput& input) {
         dropsUntilRelease_ = heldButton_ == 0;
         return;
     }
-    connection_.send<xcb_grab_server>();
-    if (isAway_) {
-        pointer_.park();
-    }
-    pointer_.pressSpare();
-    holes_.cut();
-    pointer_.lockModifiers(input.state);
-    pointer_.warpUnnoticed(x_, y_);
+    openBlock(input);
     pointer_.press(input.button);
     heldButton_ = input.button;
     spareIsDown_ = true;
@@ -195,9 +189,39 @@ void PostingSession::press(const PostedInput& input) {
         // A menu grabs the pointer at the press and would take the spare button's release for a choice.
         releaseSpare();
     }
-    holes_.close();
-    connection_.send<xcb_ungrab_server>();
+    closeBlock();
     connection_.flush();
+}
+
+// What comes between goes out as one write, so that nothing is left half done.
+void PostingSession::openBlock(const PostedInput& input) {
+    holdsUser_ = input.kind == PostedInput::Kind::press && !userButtonIsDown();
+    connection_.send<xcb_grab_server>();
+    if (holdsUser_) {
+        pointer_.holdUserPointer();
+    }
+    if (isAway_) {
+        pointer_.park();
+    }
+    pointer_.pressSpare();
+    holes_.cut();
+    pointer_.lockModifiers(input.state);
+    pointer_.warpUnnoticed(x_, y_);
+}
+
+void PostingSession::closeBlock() {
+    holes_.close();
+    if (holdsUser_) {
+        pointer_.freeUserPointer();
+    }
+    connection_.send<xcb_ungrab_server>();
+}
+
+bool PostingSession::userButtonIsDown() {
+    constexpr unsigned anyButton =
+        XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3 | XCB_BUTTON_MASK_4 | XCB_BUTTON_MASK_5;
+    auto pointer = connection_.ask<xcb_query_pointer, xcb_query_pointer_reply>(connection_.root());
+    return pointer && (pointer->mask & anyButton) != 0;
 }
 
 // After the other button where possible: some terminals take any release for the end of a selection.
@@ -224,8 +248,27 @@ void PostingSession::release(const PostedInput& input) {
     connection_.flush();
 }
 
-void PostingSession::wheel(const PostedInput& input) {
+// The hole lies beside the user's pointer, which must not enter the target. Holding that pointer as for a
+// press is no way here: some browsers take no scroll then.
+bool PostingSession::aimBesideUser(const PostedInput& input) {
     if (!aim(input)) {
+        return false;
+    }
+    const auto user = userPointer();
+    for (const double step : {1.0, -1.0}) {
+        if (user && user->x == x_ && user->y == y_) {
+            PostedInput beside = input;
+            beside.x += step;
+            if (!aim(beside)) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+void PostingSession::wheel(const PostedInput& input) {
+    if (!aimBesideUser(input)) {
         return;
     }
     const bool inDrag = heldButton_ != 0;
@@ -233,14 +276,7 @@ void PostingSession::wheel(const PostedInput& input) {
         return;
     }
     if (!inDrag) {
-        connection_.send<xcb_grab_server>();
-        if (isAway_) {
-            pointer_.park();
-        }
-        pointer_.pressSpare();
-        holes_.cut();
-        pointer_.lockModifiers(input.state);
-        pointer_.warpUnnoticed(x_, y_);
+        openBlock(input);
     }
     for (const auto& [button, clicks] : input.wheel) {
         for (int i = 0; i < clicks; ++i) {
@@ -252,8 +288,7 @@ void PostingSession::wheel(const PostedInput& input) {
         pointer_.releaseSpare();
         pointer_.unlockModifiers();
         pointer_.park();
-        holes_.close();
-        connection_.send<xcb_ungrab_server>();
+        closeBlock();
         isAway_ = false;
     }
     connection_.flush();
@@ -281,7 +316,7 @@ void PostingSession::userPressed() {
         return;
     }
     if (!popups_.at(*place)) {
-        closePopups();
+        closePopups(0);
     } else if (popups_.isDeafAt(*place)) {
         // Pointing works by proxy, but such toolkits renew their grab at a press and lose the entry by it.
         leadTo(*place);
@@ -317,9 +352,7 @@ void PostingSession::userReleased() {
     }
     mainQueue_.after(releaseGrace, [this, alive = std::weak_ptr(alive_), held = heldButton_] {
         if (!alive.expired() && heldButton_ == held) {
-            auto pointer = connection_.ask<xcb_query_pointer, xcb_query_pointer_reply>(connection_.root());
-            constexpr unsigned anyButton = XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3;
-            if (!pointer || (pointer->mask & anyButton) == 0) {
+            if (!userButtonIsDown()) {
                 letGo();
                 scheduleEnd();
             }
@@ -328,22 +361,24 @@ void PostingSession::userReleased() {
 }
 
 // A click beside the popups is what closes those that hold the pointer, so that nothing else sees it. Others
-// close with the focus, or at least by Escape.
-void PostingSession::closePopups() {
-    if (!popups_.isOpen() || heldButton_ != 0) {
+// close with the focus, or at least by Escape. A busy target may not hold the pointer yet.
+void PostingSession::closePopups(int attempt) {
+    if (!popups_.isOpen() || heldButton_ != 0 || attempt == closingAttempts) {
         return;
     }
     pointer_.park();
     isAway_ = false;
     pointer_.press(leftButton);
     pointer_.release(leftButton);
+    if (attempt > 0) {
+        FocusLead::end(connection_, client_);
+        isReady_ = false;
+        pointer_.tapKey(escapeKey);
+    }
     connection_.flush();
-    mainQueue_.after(popupGrace, [this, alive = std::weak_ptr(alive_)] {
-        if (!alive.expired() && popups_.isOpen()) {
-            FocusLead::end(connection_, client_);
-            isReady_ = false;
-            pointer_.tapKey(escapeKey);
-            connection_.flush();
+    mainQueue_.after(popupGrace, [this, attempt, alive = std::weak_ptr(alive_)] {
+        if (!alive.expired()) {
+            closePopups(attempt + 1);
         }
     });
 }

@@ -43,6 +43,9 @@ class PostingSession {
     void press(const PostedInput& input);
     // The pointer, with its button down, goes to the input's place.
     void follow(const PostedInput& input);
+    void openBlock(const PostedInput& input);
+    void closeBlock();
+    [[nodiscard]] bool userButtonIsDown();
     void release(const PostedInput& input);
     void wheel(const PostedInput& input);
     void letGo();
@@ -53,12 +56,13 @@ class PostingSession {
     [[nodiscard]] std::optional<PixelPoint> userPointer();
     void leadTo(PixelPoint place);
     void popupsGone();
-    void closePopups();
+    void closePopups(int attempt);
     void scheduleEnd();
     void waitForEnd(double seconds);
     void endIfIdle();
     // The target's place now and the windows above it; false when it cannot be reached there.
     [[nodiscard]] bool aim(const PostedInput& input);
+    [[nodiscard]] bool aimBesideUser(const PostedInput& input);
     [[nodiscard]] bool findTopLevel();
 
     Connection& connection_;
@@ -74,6 +78,7 @@ class PostingSession {
     bool dropsUntilRelease_ = false;
     std::uint8_t heldButton_ = 0;
     bool spareIsDown_ = false;
+    bool holdsUser_ = false;
     bool isAway_ = false; // from the parking place
     int x_ = 0;
     int y_ = 0;

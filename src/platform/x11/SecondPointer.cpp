@@ -94,6 +94,7 @@ std::unique_ptr<SecondPointer> SecondPointer::acquire(Connection& connection) {
         return nullptr;
     }
     auto pointer = std::make_unique<SecondPointer>(connection, devices);
+    pointer->userPointer_ = clientPointer(connection, XCB_WINDOW_NONE);
     pointer->makePark();
     return pointer;
 }
@@ -134,8 +135,8 @@ void SecondPointer::makePark() {
     warpUnnoticed(parkX_, parkY_);
 }
 
-// The target hears of the spare button's release. Under the name of a wheel button nobody minds: a wheel has no
-// release that means anything, and the sideways ones have no bit in the state of later events.
+// The target hears of the spare button's release. Under the name of a wheel button nobody minds: a wheel has
+// no release that means anything, and the sideways ones have no bit in the state of later events.
 void SecondPointer::muteSpare() {
     std::array<std::uint8_t, spareButton> map{};
     std::iota(map.begin(), map.end(), std::uint8_t{1});
@@ -155,25 +156,25 @@ void SecondPointer::warp(int x, int y) {
         std::uint16_t{0}, std::uint16_t{0}, toFixed(x), toFixed(y), xcb_input_device_id_t{devices_.pointer});
 }
 
-void SecondPointer::beginGrab() {
+void SecondPointer::beginGrab(std::uint16_t device) {
     const std::uint32_t noEvents = 0;
     // The answer is of no use: a grab that fails leaves the warp as it would be without.
     auto grab = connection_.ask<xcb_input_xi_grab_device, xcb_input_xi_grab_device_reply>(
         xcb_window_t{park_.get()}, xcb_timestamp_t{XCB_CURRENT_TIME}, xcb_cursor_t{XCB_NONE},
-        xcb_input_device_id_t{devices_.pointer}, static_cast<std::uint8_t>(XCB_INPUT_GRAB_MODE_22_ASYNC),
+        xcb_input_device_id_t{device}, static_cast<std::uint8_t>(XCB_INPUT_GRAB_MODE_22_ASYNC),
         static_cast<std::uint8_t>(XCB_INPUT_GRAB_MODE_22_ASYNC),
         static_cast<std::uint8_t>(XCB_INPUT_GRAB_OWNER_NO_OWNER), std::uint16_t{1}, &noEvents);
 }
 
-void SecondPointer::endGrab() {
+void SecondPointer::endGrab(std::uint16_t device) {
     connection_.send<xcb_input_xi_ungrab_device>(xcb_timestamp_t{XCB_CURRENT_TIME},
-                                                 xcb_input_device_id_t{devices_.pointer});
+                                                 xcb_input_device_id_t{device});
 }
 
 void SecondPointer::warpUnnoticed(int x, int y) {
-    beginGrab();
+    beginGrab(devices_.pointer);
     warp(x, y);
-    endGrab();
+    endGrab(devices_.pointer);
 }
 
 void SecondPointer::fake(std::uint8_t type, std::uint8_t detail, std::uint16_t device) {

@@ -60,6 +60,10 @@ class SecondPointer {
     void pressSpare() { press(spareButton); }
     void releaseSpare() { release(spareButton); }
     void park();
+    // Keeps the user's pointer from entering what a hole uncovers under it, where the focus would follow it.
+    // Not while a button of it is down: its grab is the protection then, and would be lost.
+    void holdUserPointer() { beginGrab(userPointer_); }
+    void freeUserPointer() { endGrab(userPointer_); }
     void lockModifiers(std::uint16_t state);
     void unlockModifiers() { lockModifiers(0); }
     void tapKey(xcb_keycode_t keyCode);
@@ -77,11 +81,12 @@ class SecondPointer {
     void makePark();
     void muteSpare();
     void fake(std::uint8_t type, std::uint8_t detail, std::uint16_t device);
-    void beginGrab();
-    void endGrab();
+    void beginGrab(std::uint16_t device);
+    void endGrab(std::uint16_t device);
 
     Connection& connection_;
     SecondPointerDevices devices_;
+    std::uint16_t userPointer_ = 0;
     WindowId park_;
     XId<xcb_free_cursor> blankCursor_;
     int parkX_ = 0;

@@ -85,6 +85,10 @@ controller.addMouseClickHandler(Clicks())
 controller.addSelectionChangeListener(Selections(controller))
 
 
+context.ServiceManager.createInstanceWithContext("com.sun.star.awt.Toolkit", context).processEventsToIdle()
+say("ready")
+
+
 def top():
     # The cursor's place, the zoom, then the left and upper edge of what can be seen.
     return int(controller.getViewData().split(";")[4])

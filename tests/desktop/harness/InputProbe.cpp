@@ -178,6 +178,9 @@ InputProbe::InputProbe(VirtualDesktop& desktop, Toolkit toolkit)
     if (window_ == XCB_NONE) {
         return;
     }
+    if (toolkit == Toolkit::office) {
+        (void)says("ready");
+    }
     // Toolkits paint some time after they map; text is what they paint last.
     (void)eventually([&] {
         const auto place = desktop_.x().visibleGeometry(window_).value_or(Rectangle{});
