@@ -164,12 +164,15 @@ TEST_F(FileDefaultsTest, KeepsTextsWholeAndReadableByQt) {
         "perch\xC3\xA9 \xF0\x9F\x93\x8C",
         "[General]",
     };
+    int number = 0;
     for (const std::string& text : texts) {
-        FileDefaults defaults(path_);
+        // Qt takes a file for unchanged that has the same size and the same millisecond.
+        const std::string path = path_ + std::to_string(++number);
+        FileDefaults defaults(path);
         defaults.setData("text", text);
         EXPECT_EQ(defaults.readText("text").value, text);
-        EXPECT_EQ(FileDefaults(path_).readText("text").value, text);
-        QSettings settings(QString::fromStdString(path_), QSettings::IniFormat);
+        EXPECT_EQ(FileDefaults(path).readText("text").value, text);
+        QSettings settings(QString::fromStdString(path), QSettings::IniFormat);
         EXPECT_EQ(settings.value(QStringLiteral("text")).toString().toStdString(), text);
         settings.setValue(QStringLiteral("fromQt"), QString::fromStdString(text));
         settings.setValue(QStringLiteral("bytes"), QByteArray::fromStdString(text));
