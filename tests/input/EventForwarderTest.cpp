@@ -1,10 +1,10 @@
 // What a forwarded event carries, and where it lands.
 #include "input/EventForwarder.h"
+
 #include "support/SimulatedDesktop.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
+#include <gtest/gtest.h>
 #include <string>
 #include <vector>
 
@@ -27,7 +27,8 @@ class EventForwarderTest : public testing::Test {
     // The one event that was posted, or nothing.
     std::optional<SyntheticEvent> forward(const InputEvent& event, platform::Size size = {500, 250}) {
         desktop.eventPoster.posted.clear();
-        EventForwarder::forward(desktop.environment.windowServer, desktop.eventPoster, event, {window, editor, size});
+        EventForwarder::forward(desktop.environment.windowServer, desktop.eventPoster, event,
+                                {window, editor, size});
         if (desktop.eventPoster.posted.empty()) {
             return std::nullopt;
         }
@@ -46,8 +47,8 @@ TEST_F(EventForwarderTest, MapsProportionallyAndDropsWhatLiesOutside) {
         std::optional<Point> target;
     };
     const std::vector<Case> cases{
-        {{150, 175}, Point{400, 350}},       {{0, 250}, Point{100, 200}}, {{500, 0}, Point{1100, 700}},
-        {{500.01, 10}, std::nullopt},        {{-0.01, 10}, std::nullopt}, {{10, 250.01}, std::nullopt},
+        {{150, 175}, Point{400, 350}}, {{0, 250}, Point{100, 200}}, {{500, 0}, Point{1100, 700}},
+        {{500.01, 10}, std::nullopt},  {{-0.01, 10}, std::nullopt}, {{10, 250.01}, std::nullopt},
         {{10, -0.01}, std::nullopt},
     };
     for (const Case& c : cases) {
@@ -101,7 +102,8 @@ TEST_F(EventForwarderTest, MouseEventsCarryTheirFieldsInOrder) {
         EXPECT_EQ(posted->fields, expected);
     }
     EXPECT_FALSE(forward({.type = EventType::mouseMoved, .locationInWindow = {1, 1}}));
-    EXPECT_EQ(forward({.type = EventType::leftMouseDown, .locationInWindow = {1, 1}, .clickCount = 2})->integerField(1),
+    EXPECT_EQ(forward({.type = EventType::leftMouseDown, .locationInWindow = {1, 1}, .clickCount = 2})
+                  ->integerField(1),
               2);
 }
 
@@ -131,8 +133,15 @@ TEST_F(EventForwarderTest, ScrollsByLinesOrByPoints) {
 }
 
 TEST(ScrollStepsTest, RoundsHalvesAwayFromZeroAndKeepsTheSmallestMotion) {
-    for (const auto& [value, steps] : std::vector<std::pair<double, int>>{
-             {0, 0}, {0.1, 1}, {-0.1, -1}, {0.5, 1}, {-0.5, -1}, {1.5, 2}, {-1.5, -2}, {2.4, 2}, {2147483647, 2147483647}}) {
+    for (const auto& [value, steps] : std::vector<std::pair<double, int>>{{0, 0},
+                                                                          {0.1, 1},
+                                                                          {-0.1, -1},
+                                                                          {0.5, 1},
+                                                                          {-0.5, -1},
+                                                                          {1.5, 2},
+                                                                          {-1.5, -2},
+                                                                          {2.4, 2},
+                                                                          {2147483647, 2147483647}}) {
         EXPECT_EQ(EventForwarder::scrollSteps(value), steps) << value;
     }
     EXPECT_DEATH((void)EventForwarder::scrollSteps(2147483648.0), "impossible");
