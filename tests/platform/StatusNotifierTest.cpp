@@ -74,6 +74,10 @@ class StatusNotifierTest : public testing::Test {
         QDBusConnection::disconnectFromBus(QStringLiteral("ours"));
         QDBusConnection::disconnectFromBus(QStringLiteral("panel"));
     }
+    // The name is asked for without waiting.
+    [[nodiscard]] bool isNamed(const StatusNotifierItem& item) const {
+        return eventually([&] { return panel_.interface()->isServiceRegistered(item.service()).value(); });
+    }
     [[nodiscard]] QDBusConnection connect(const QString& name) const {
         return QDBusConnection::connectToBus(QString::fromStdString(bus_.address()), name);
     }
@@ -122,6 +126,7 @@ TEST_F(StatusNotifierTest, WithoutABusThereIsNoHost) {
 TEST_F(StatusNotifierTest, ItemShowsPicturesOfEverySizeAndItsToolTip) {
     auto item = std::make_unique<StatusNotifierItem>(
         ours_, 3, [] { return platform::Menu(); }, [] {});
+    ASSERT_TRUE(isNamed(*item));
     int redrawn = 0;
     const platform::qt::DBusSignal signal(
         panel_,
@@ -172,6 +177,7 @@ TEST_F(StatusNotifierTest, HostsThatOnlyTellOfClicksGetTheMenuFromUs) {
     int shown = 0;
     const StatusNotifierItem item(
         ours_, 1, [] { return platform::Menu(); }, [&] { ++shown; });
+    ASSERT_TRUE(isNamed(item));
     int expected = 0;
     for (const char* method : {"Activate", "SecondaryActivate", "ContextMenu", "Unknown"}) {
         auto message = QDBusMessage::createMethodCall(item.service(), QStringLiteral("/StatusNotifierItem"),

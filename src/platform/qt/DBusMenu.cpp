@@ -2,7 +2,8 @@
 
 #include "platform/qt/DBusProperties.h"
 
-#include <QTimer>
+#include <QCoreApplication>
+#include <QMetaObject>
 
 #include <algorithm>
 #include <utility>
@@ -224,7 +225,7 @@ bool DBusMenu::handleEvent(int id, const QString& event) {
     }
     if (event == QStringLiteral("clicked") && action) {
         // The host waits for the answer, and the action may remove this menu.
-        QTimer::singleShot(0, std::move(action));
+        QMetaObject::invokeMethod(QCoreApplication::instance(), std::move(action), Qt::QueuedConnection);
     }
     return true;
 }

@@ -8,7 +8,7 @@
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDBusPendingCall>
-#include <QTimer>
+#include <QMetaObject>
 #include <QtEndian>
 
 #include <utility>
@@ -128,7 +128,7 @@ bool StatusNotifierItem::handleMessage(const QDBusMessage& message, const QDBusC
     connection.send(message.createReply());
     if (asksForMenu) {
         // Opening a menu takes its time, and may end this item.
-        QTimer::singleShot(0, showMenu_);
+        QMetaObject::invokeMethod(this, showMenu_, Qt::QueuedConnection);
     }
     return true;
 }
