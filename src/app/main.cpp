@@ -117,7 +117,7 @@ int run(QApplication& application, qt::QtMessages& messages) {
     qt::AccessibilityTrust trust(sessionBus);
     qt::SessionLock sessionLock(sessionBus, qt::systemBus());
     qt::QtApplication windows;
-    qt::QtStatusBar statusBar(sessionBus);
+    qt::QtStatusBar statusBar(sessionBus, mainQueue);
     x11::X11Desktop desktop(connection, {mainQueue, queues, trust, sessionLock});
     skylet::AppDelegate delegate({.windowServer = desktop.windowServer(),
                                   .accessibility = desktop.accessibility(),

@@ -2,6 +2,7 @@
 #include "platform/Waiting.h"
 #include "platform/qt/DBusProperties.h"
 #include "platform/qt/DBusSignal.h"
+#include "platform/qt/QtMainQueue.h"
 #include "platform/qt/StatusNotifierItem.h"
 #include "platform/qt/StatusNotifierTypes.h"
 #include "platform/qt/StatusNotifierWatcher.h"
@@ -83,6 +84,7 @@ class StatusNotifierTest : public testing::Test {
     }
 
     PrivateBus bus_;
+    platform::qt::QtMainQueue mainQueue_;
     QDBusConnection ours_;
     QDBusConnection panel_;
 };
@@ -125,7 +127,7 @@ TEST_F(StatusNotifierTest, WithoutABusThereIsNoHost) {
 
 TEST_F(StatusNotifierTest, ItemShowsPicturesOfEverySizeAndItsToolTip) {
     auto item = std::make_unique<StatusNotifierItem>(
-        ours_, 3, [] { return platform::Menu(); }, [] {});
+        ours_, mainQueue_, 3, [] { return platform::Menu(); }, [] {});
     ASSERT_TRUE(isNamed(*item));
     int redrawn = 0;
     const platform::qt::DBusSignal signal(
@@ -176,7 +178,7 @@ TEST_F(StatusNotifierTest, ItemShowsPicturesOfEverySizeAndItsToolTip) {
 TEST_F(StatusNotifierTest, HostsThatOnlyTellOfClicksGetTheMenuFromUs) {
     int shown = 0;
     const StatusNotifierItem item(
-        ours_, 1, [] { return platform::Menu(); }, [&] { ++shown; });
+        ours_, mainQueue_, 1, [] { return platform::Menu(); }, [&] { ++shown; });
     ASSERT_TRUE(isNamed(item));
     int expected = 0;
     for (const char* method : {"Activate", "SecondaryActivate", "ContextMenu", "Unknown"}) {
