@@ -135,7 +135,7 @@ int run(QApplication& application, qt::QtMessages& messages) {
     qt::AccessibilityTrust trust(sessionBus);
     qt::SessionLock sessionLock(sessionBus, qt::systemBus());
     qt::QtApplication ownWindows;
-    qt::QtStatusBar statusBar(sessionBus);
+    qt::QtStatusBar statusBar(sessionBus, mainQueue);
     x11::X11Desktop desktop(connection, {mainQueue, queues, trust, sessionLock});
     const auto scrolling = x11::X11WorkerDesktop::open({}, mainQueue, sessionBus);
     if (!scrolling.desktop) {

@@ -3,6 +3,7 @@
 #include "platform/PrivateServer.h"
 #include "platform/Waiting.h"
 #include "platform/qt/DBusSignal.h"
+#include "platform/qt/QtMainQueue.h"
 
 #include <QDBusMessage>
 #include <QDBusPendingCall>
@@ -34,7 +35,7 @@ class DBusMenuTest : public testing::Test {
     DBusMenuTest()
         : ours_(QDBusConnection::connectToBus(QString::fromStdString(bus_.address()), QStringLiteral("ours")))
         , host_(QDBusConnection::connectToBus(QString::fromStdString(bus_.address()), QStringLiteral("host")))
-        , menu_(std::make_unique<DBusMenu>(ours_, path, [this] { return content_; }))
+        , menu_(std::make_unique<DBusMenu>(ours_, mainQueue_, path, [this] { return content_; }))
         , changes_(
               host_, {ours_.baseService(), path, menuInterface, QStringLiteral("LayoutUpdated")},
               [this](const QDBusMessage& message) { announced_ = message.arguments().value(0).toUInt(); }) {}
@@ -83,6 +84,7 @@ class DBusMenuTest : public testing::Test {
     }
 
     PrivateBus bus_;
+    platform::qt::QtMainQueue mainQueue_;
     QDBusConnection ours_;
     QDBusConnection host_;
     Menu content_;

@@ -2,6 +2,7 @@
 #include "platform/Waiting.h"
 #include "platform/qt/DBusProperties.h"
 #include "platform/qt/DBusSignal.h"
+#include "platform/qt/QtMainQueue.h"
 #include "platform/qt/StatusNotifierItem.h"
 #include "platform/qt/StatusNotifierTypes.h"
 #include "platform/qt/StatusNotifierWatcher.h"
@@ -74,11 +75,16 @@ class StatusNotifierTest : public testing::Test {
         QDBusConnection::disconnectFromBus(QStringLiteral("ours"));
         QDBusConnection::disconnectFromBus(QStringLiteral("panel"));
     }
+    // The name is asked for without waiting.
+    [[nodiscard]] bool isNamed(const StatusNotifierItem& item) const {
+        return eventually([&] { return panel_.interface()->isServiceRegistered(item.service()).value(); });
+    }
     [[nodiscard]] QDBusConnection connect(const QString& name) const {
         return QDBusConnection::connectToBus(QString::fromStdString(bus_.address()), name);
     }
 
     PrivateBus bus_;
+    platform::qt::QtMainQueue mainQueue_;
     QDBusConnection ours_;
     QDBusConnection panel_;
 };
@@ -121,7 +127,8 @@ TEST_F(StatusNotifierTest, WithoutABusThereIsNoHost) {
 
 TEST_F(StatusNotifierTest, ItemShowsPicturesOfEverySizeAndItsToolTip) {
     auto item = std::make_unique<StatusNotifierItem>(
-        ours_, 3, [] { return platform::Menu(); }, [] {});
+        ours_, mainQueue_, 3, [] { return platform::Menu(); }, [] {});
+    ASSERT_TRUE(isNamed(*item));
     int redrawn = 0;
     const platform::qt::DBusSignal signal(
         panel_,
@@ -171,7 +178,8 @@ TEST_F(StatusNotifierTest, ItemShowsPicturesOfEverySizeAndItsToolTip) {
 TEST_F(StatusNotifierTest, HostsThatOnlyTellOfClicksGetTheMenuFromUs) {
     int shown = 0;
     const StatusNotifierItem item(
-        ours_, 1, [] { return platform::Menu(); }, [&] { ++shown; });
+        ours_, mainQueue_, 1, [] { return platform::Menu(); }, [&] { ++shown; });
+    ASSERT_TRUE(isNamed(item));
     int expected = 0;
     for (const char* method : {"Activate", "SecondaryActivate", "ContextMenu", "Unknown"}) {
         auto message = QDBusMessage::createMethodCall(item.service(), QStringLiteral("/StatusNotifierItem"),

@@ -2,8 +2,6 @@
 
 #include "platform/qt/DBusProperties.h"
 
-#include <QTimer>
-
 #include <algorithm>
 #include <utility>
 
@@ -78,8 +76,9 @@ QList<int> idsIn(const QVariant& argument) {
 
 } // namespace
 
-DBusMenu::DBusMenu(QDBusConnection bus, QString path, StatusBar::MenuSource source)
+DBusMenu::DBusMenu(QDBusConnection bus, MainQueue& mainQueue, QString path, StatusBar::MenuSource source)
     : bus_(std::move(bus))
+    , mainQueue_(mainQueue)
     , path_(std::move(path))
     , source_(std::move(source)) {
     registerDBusMenuTypes();
@@ -224,7 +223,7 @@ bool DBusMenu::handleEvent(int id, const QString& event) {
     }
     if (event == QStringLiteral("clicked") && action) {
         // The host waits for the answer, and the action may remove this menu.
-        QTimer::singleShot(0, std::move(action));
+        mainQueue_.async(std::move(action));
     }
     return true;
 }

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "platform/Menu.h"
+#include "platform/Queues.h"
 #include "platform/StatusBar.h"
 #include "platform/qt/DBusMenuTypes.h"
 
@@ -26,7 +27,7 @@ namespace skylet::platform::qt {
 
 class DBusMenu : public QDBusVirtualObject {
   public:
-    DBusMenu(QDBusConnection bus, QString path, StatusBar::MenuSource source);
+    DBusMenu(QDBusConnection bus, MainQueue& mainQueue, QString path, StatusBar::MenuSource source);
     DBusMenu(const DBusMenu&) = delete;
     DBusMenu& operator=(const DBusMenu&) = delete;
     ~DBusMenu() override;
@@ -56,6 +57,7 @@ class DBusMenu : public QDBusVirtualObject {
     bool handleEvent(int id, const QString& event);
 
     QDBusConnection bus_;
+    MainQueue& mainQueue_;
     QString path_;
     StatusBar::MenuSource source_;
     uint revision_ = 0; // 0: never built

@@ -21,7 +21,7 @@ class QtStatusItem : public StatusItem {
         : hosts_(hosts)
         , number_(number)
         , menu_(menu)
-        , popup_(menu)
+        , popup_(std::make_shared<MenuPopup>(menu))
         , hostsObserver_(hosts.changed.add([this] { moveToHost(); }))
         , appearanceObserver_(hosts.appearanceChanged.add([this] { showImage(); })) {
         moveToHost();
@@ -49,14 +49,17 @@ class QtStatusItem : public StatusItem {
         if (state == StatusNotifierWatcher::State::host) {
             tray_.reset();
             if (!notifier_) {
-                notifier_ = std::make_unique<StatusNotifierItem>(hosts_.bus, number_, menu_, [this] {
-                    popup_.toggle(QRect(QCursor::pos(), QSize(1, 1)));
-                });
+                notifier_ = std::make_unique<StatusNotifierItem>(
+                    hosts_.bus, hosts_.mainQueue, number_, menu_, [popup = std::weak_ptr(popup_)] {
+                        if (const auto open = popup.lock()) {
+                            open->toggle(QRect(QCursor::pos(), QSize(1, 1)));
+                        }
+                    });
             }
         } else if (state == StatusNotifierWatcher::State::noHost) {
             notifier_.reset();
             if (!tray_ && hosts_.canUseTray()) {
-                tray_ = std::make_unique<TrayIcon>(popup_);
+                tray_ = std::make_unique<TrayIcon>(*popup_);
             }
         }
         showImage();
@@ -85,7 +88,7 @@ class QtStatusItem : public StatusItem {
     StatusHosts& hosts_;
     int number_;
     StatusBar::MenuSource menu_;
-    MenuPopup popup_;
+    std::shared_ptr<MenuPopup> popup_;
     StatusImage image_;
     QString toolTip_;
     std::unique_ptr<StatusNotifierItem> notifier_;
@@ -96,8 +99,9 @@ class QtStatusItem : public StatusItem {
 
 } // namespace
 
-StatusHosts::StatusHosts(const QDBusConnection& sessionBus)
+StatusHosts::StatusHosts(const QDBusConnection& sessionBus, MainQueue& queue)
     : bus(sessionBus)
+    , mainQueue(queue)
     , hadBus_(sessionBus.isConnected())
     , watcher_(sessionBus, [this] {
         // Decided as soon as it can be, whether or not there is an item yet.
@@ -115,7 +119,8 @@ bool StatusHosts::canUseTray() {
     return isTrayDecided_;
 }
 
-QtStatusBar::QtStatusBar(const QDBusConnection& sessionBus) : hosts_(sessionBus) {
+QtStatusBar::QtStatusBar(const QDBusConnection& sessionBus, MainQueue& mainQueue)
+    : hosts_(sessionBus, mainQueue) {
     QCoreApplication::instance()->installEventFilter(this);
 }
 

@@ -4,6 +4,7 @@
 // Items move from the one to the other as hosts come and go. Threads: main thread, with a QApplication.
 #pragma once
 
+#include "platform/Queues.h"
 #include "platform/StatusBar.h"
 #include "platform/qt/Observers.h"
 #include "platform/qt/StatusNotifierWatcher.h"
@@ -19,7 +20,7 @@ namespace skylet::platform::qt {
 // Where status items can be shown now, and what follows from a change of that.
 class StatusHosts {
   public:
-    explicit StatusHosts(const QDBusConnection& sessionBus);
+    StatusHosts(const QDBusConnection& sessionBus, MainQueue& queue);
 
     [[nodiscard]] StatusNotifierWatcher& watcher() { return watcher_; }
     // Whether a tray icon of Qt's can be made. Qt looks at the bus once, for its first one, for what it then
@@ -28,6 +29,7 @@ class StatusHosts {
     bool canUseTray();
 
     QDBusConnection bus;
+    MainQueue& mainQueue;
     Observers<> changed;
     Observers<> appearanceChanged;
 
@@ -41,7 +43,7 @@ class QtStatusBar : public QObject, public StatusBar {
     Q_OBJECT
 
   public:
-    explicit QtStatusBar(const QDBusConnection& sessionBus);
+    QtStatusBar(const QDBusConnection& sessionBus, MainQueue& mainQueue);
     ~QtStatusBar() override;
 
     [[nodiscard]] double thickness() const override;

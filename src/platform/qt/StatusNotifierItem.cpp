@@ -8,7 +8,6 @@
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDBusPendingCall>
-#include <QTimer>
 #include <QtEndian>
 
 #include <utility>
@@ -50,11 +49,12 @@ constexpr uint doNotQueue = 4;
 
 } // namespace
 
-StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, int number, StatusBar::MenuSource source,
-                                       std::function<void()> showMenu)
+StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, MainQueue& mainQueue, int number,
+                                       StatusBar::MenuSource source, std::function<void()> showMenu)
     : bus_(std::move(bus))
+    , mainQueue_(mainQueue)
     , showMenu_(std::move(showMenu))
-    , menu_(bus_, menuPath, std::move(source))
+    , menu_(bus_, mainQueue, menuPath, std::move(source))
     , service_(QStringLiteral("org.kde.StatusNotifierItem-%1-%2")
                    .arg(QCoreApplication::applicationPid())
                    .arg(number)) {
@@ -128,7 +128,7 @@ bool StatusNotifierItem::handleMessage(const QDBusMessage& message, const QDBusC
     connection.send(message.createReply());
     if (asksForMenu) {
         // Opening a menu takes its time, and may end this item.
-        QTimer::singleShot(0, showMenu_);
+        mainQueue_.async(showMenu_);
     }
     return true;
 }

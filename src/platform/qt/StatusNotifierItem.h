@@ -19,7 +19,7 @@ namespace skylet::platform::qt {
 class StatusNotifierItem : public QDBusVirtualObject {
   public:
     // `number` tells the items of this process apart. `showMenu` is for hosts that only tell of a click.
-    StatusNotifierItem(QDBusConnection bus, int number, StatusBar::MenuSource source,
+    StatusNotifierItem(QDBusConnection bus, MainQueue& mainQueue, int number, StatusBar::MenuSource source,
                        std::function<void()> showMenu);
     StatusNotifierItem(const StatusNotifierItem&) = delete;
     StatusNotifierItem& operator=(const StatusNotifierItem&) = delete;
@@ -39,6 +39,7 @@ class StatusNotifierItem : public QDBusVirtualObject {
     void tell(const QString& signal);
 
     QDBusConnection bus_;
+    MainQueue& mainQueue_;
     std::function<void()> showMenu_;
     DBusMenu menu_;
     QString service_;
