@@ -66,6 +66,36 @@ TEST_F(StatusItemTest, MenuPinsAndUnpins) {
     endSkylet();
 }
 
+TEST_F(StatusItemTest, TenWindowsOfOneApplication) {
+    constexpr int count = 10;
+    PREPARE(openPuppet());
+    startHost();
+    PREPARE(launch());
+    ASSERT_TRUE(hasItems(1));
+    Puppet other(desktop());
+    const Window front = other.open("900 500 200 200 title=front");
+    std::vector<Window> windows;
+    for (int number = 0; number < count; ++number) {
+        const std::string title = "number_" + std::to_string(number);
+        const std::string place = std::to_string(20 + number * 40) + " " + std::to_string(40 + number * 30);
+        windows.push_back(puppet().open(place + " 330 230 title=" + title));
+        PREPARE(bringToFront(front));
+        PREPARE(bringToFront(windows.back()));
+        ASSERT_TRUE(
+            eventually([&] { return ask("menu").find("Fissa «" + title + "»") != std::string::npos; }));
+        ASSERT_EQ(ask("click Fissa «" + title + "»"), "ok");
+    }
+    PREPARE(bringToFront(front));
+    EXPECT_TRUE(eventually([&] { return skylet().overlays().size() == count; }));
+    EXPECT_TRUE(eventually([&] { return ask("tooltip") == "Skylet — 10 finestre fissate"; }));
+    PREPARE(bringToFront(windows[4]));
+    EXPECT_TRUE(skylet().waitForLog("overlay: sendBehind wid=" + std::to_string(windows[4])));
+    puppet().tell("destroy " + std::to_string(windows[7]));
+    EXPECT_TRUE(eventually([&] { return ask("tooltip") == "Skylet — 9 finestre fissate"; }));
+    EXPECT_EQ(ask("click Sblocca tutte"), "ok");
+    EXPECT_TRUE(eventually([&] { return skylet().overlays().empty(); }));
+}
+
 TEST_F(StatusItemTest, AppearsInHostsThatComeLaterAndComeBack) {
     PREPARE(launch());
     for (int round = 0; round < 3; ++round) {

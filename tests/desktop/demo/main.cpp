@@ -1,13 +1,18 @@
-// Shows on a private virtual desktop that a pinned window's mirror is live: pins a terminal, covers it, lets
-// it print, and compares the mirror with the terminal pixel by pixel. Saves pictures of each step in the
-// folder it is given.
+// Shows on a private virtual desktop that a pinned window's mirror is live and can be used: pins a terminal,
+// covers it, lets it print, and compares the mirror with the terminal pixel by pixel; clicks and scrolls in
+// the mirror of another one; opens the menu, the settings and the About window. Saves pictures of each step
+// in the folder it is given.
+#include "harness/AccessibleTree.h"
 #include "harness/Application.h"
+#include "harness/InputProbe.h"
 #include "harness/SkyletProgram.h"
 #include "harness/VirtualDesktop.h"
 
+#include <QCoreApplication>
 #include <QImage>
 #include <QString>
 
+#include <algorithm>
 #include <csignal>
 #include <filesystem>
 #include <iostream>
@@ -19,6 +24,13 @@ namespace skylet::desktop {
 namespace {
 
 constexpr int interrupted = 130;
+constexpr xcb_keysym_t escapeKey = 0xff1b; // XK_Escape
+
+// A terminal's reports begin with Escape.
+std::string printable(std::string text) {
+    std::erase_if(text, [](char c) { return c < ' '; });
+    return text;
+}
 
 // Ends what was started when the user ends the demonstration.
 void watchSignals(const std::string& folder) {
@@ -47,6 +59,11 @@ class Demonstration {
     bool step(bool done, const std::string& told);
     void picture(const std::string& name);
     bool play();
+    bool playMirror(SkyletProgram& skylet);
+    bool playInput(SkyletProgram& skylet);
+    bool playWindows();
+    // The middle of Skylet's red icon in the tray.
+    [[nodiscard]] std::optional<std::pair<int, int>> findIcon();
 
     std::string folder_;
     VirtualDesktop desktop_;
@@ -68,6 +85,16 @@ void Demonstration::picture(const std::string& name) {
 }
 
 bool Demonstration::play() {
+    const Process tray = desktop_.start({"trayer", "--edge", "bottom", "--align", "right"}, "trayer.err");
+    SkyletProgram skylet(desktop_);
+    if (!step(skylet.waitUntilLaunched(), "Skylet has launched.")) {
+        std::cout << skylet.errorOutput();
+        return false;
+    }
+    return playMirror(skylet) && playInput(skylet) && playWindows();
+}
+
+bool Demonstration::playMirror(SkyletProgram& skylet) {
     XSession& x = desktop_.x();
     Application terminal(desktop_, ApplicationKind::xterm, "terminal");
     Application cover(desktop_, ApplicationKind::xterm, "another application",
@@ -77,11 +104,6 @@ bool Demonstration::play() {
     }
     x.moveResize(cover.window(), {60, 50, 800, 520});
 
-    SkyletProgram skylet(desktop_);
-    if (!step(skylet.waitUntilLaunched(), "Skylet has launched.")) {
-        std::cout << skylet.errorOutput();
-        return false;
-    }
     if (!step(skylet.pin(terminal.window()),
               "The shortcut Control+Super+P was pressed in the first terminal: it is pinned.")) {
         return false;
@@ -128,6 +150,82 @@ bool Demonstration::play() {
                 "The shortcut was pressed again: the mirror is gone.");
 }
 
+bool Demonstration::playInput(SkyletProgram& skylet) {
+    XSession& x = desktop_.x();
+    InputProbe terminal(desktop_, Toolkit::xterm);
+    Application cover(desktop_, ApplicationKind::xterm, "the window in use",
+                      {"-bg", "#2d4a6b", "-fg", "white"});
+    x.moveResize(cover.window(), {60, 50, 800, 520});
+    if (!step(skylet.pin(terminal.window()), "A terminal that listens to the mouse is pinned.")) {
+        return false;
+    }
+    x.activate(cover.window());
+    if (!eventually([&] { return skylet.mirrors(terminal.window()); })) {
+        return step(false, "It is covered, and its mirror floats.");
+    }
+    const Rectangle mirror = x.geometry(skylet.overlays().front()).value_or(Rectangle{});
+    terminal.forget();
+    x.click(mirror.x + mirror.width / 2, mirror.y + mirror.height / 2);
+    x.click(mirror.x + mirror.width / 2, mirror.y + mirror.height / 2, 5);
+    if (!step(terminal.says(terminal.words().down) && terminal.says(terminal.words().wheel),
+              "A click and a turn of the wheel on the mirror reached the covered terminal: " +
+                  printable(terminal.said()))) {
+        return false;
+    }
+    if (!step(x.activeWindow() == cover.window() && x.pidOf(x.inputFocus()) == x.pidOf(cover.window()),
+              "The window in use kept the focus.")) {
+        return false;
+    }
+    const auto icon = findIcon();
+    if (!step(icon.has_value(), "Skylet's icon is in the tray.")) {
+        return false;
+    }
+    const std::size_t before = skylet.overlays().size(); // a menu is as unmanaged as an overlay
+    x.click(icon->first, icon->second);
+    const bool opened = eventually([&] { return skylet.overlays().size() == before + 1; });
+    picture("4-menu.png");
+    x.press(escapeKey, {});
+    const bool closed = eventually([&] { return skylet.overlays().size() == before; });
+    return step(opened && closed, "A click on it opened the menu.");
+}
+
+bool Demonstration::playWindows() {
+    const AccessibleTree tree(desktop_);
+    const auto shows = [&](const char* action, const char* text, const char* name) {
+        const bool shown =
+            tree.perform(action) && eventually([&] { return tree.find("Skylet", text).has_value(); });
+        picture(name);
+        return shown;
+    };
+    return step(shows("settings", "Apri all’accesso", "5-settings.png"), "The settings are open.") &&
+           step(shows("about", "Chiudi", "6-about.png"), "The About window is open.");
+}
+
+std::optional<std::pair<int, int>> Demonstration::findIcon() {
+    std::optional<std::pair<int, int>> middle;
+    (void)eventually([&] {
+        const Rectangle screen = desktop_.x().screen();
+        constexpr int trayHeight = 26;
+        const Picture tray =
+            desktop_.x().screenshot({0, screen.height - trayHeight, screen.width, trayHeight});
+        Rectangle box{tray.width, tray.height, 0, 0}; // left, top, right, bottom
+        for (int y = 0; y < tray.height; ++y) {
+            for (int x = 0; x < tray.width; ++x) {
+                const std::uint32_t colour = tray.at(x, y);
+                if (((colour >> 16) & 0xFF) > 200 && ((colour >> 8) & 0xFF) < 100 && (colour & 0xFF) < 100) {
+                    box = {std::min(box.x, x), std::min(box.y, y), std::max(box.width, x),
+                           std::max(box.height, y)};
+                }
+            }
+        }
+        if (box.width > box.x) {
+            middle = {(box.x + box.width) / 2, screen.height - trayHeight + (box.y + box.height) / 2};
+        }
+        return middle.has_value();
+    });
+    return middle;
+}
+
 int Demonstration::show() {
     if (!desktop_.problem().empty()) {
         std::cerr << desktop_.problem() << std::endl;
@@ -150,5 +248,6 @@ int Demonstration::show() {
 
 int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
+    const QCoreApplication application(argc, argv); // for the session bus
     return skylet::desktop::Demonstration(argc > 1 ? argv[1] : ".").show();
 }
