@@ -167,9 +167,9 @@ bool Demonstration::playInput(SkyletProgram& skylet) {
     terminal.forget();
     x.click(mirror.x + mirror.width / 2, mirror.y + mirror.height / 2);
     x.click(mirror.x + mirror.width / 2, mirror.y + mirror.height / 2, 5);
-    if (!step(terminal.says(terminal.words().down) && terminal.says(terminal.words().wheel),
-              "A click and a turn of the wheel on the mirror reached the covered terminal: " +
-                  printable(terminal.said()))) {
+    const bool reached = terminal.says(terminal.words().down) && terminal.says(terminal.words().wheel);
+    if (!step(reached, "A click and a turn of the wheel on the mirror reached the covered terminal: " +
+                           printable(terminal.said()))) {
         return false;
     }
     if (!step(x.activeWindow() == cover.window() && x.pidOf(x.inputFocus()) == x.pidOf(cover.window()),
