@@ -15,6 +15,7 @@ void benchFrameCosts(Stage& stage, const Options& options);
 void benchLatency(Stage& stage, const Options& options);
 void benchShowing(Stage& stage, const Options& options);
 void benchResting(Stage& stage, const Options& options);
+void benchInput(Stage& stage, const Options& options);
 void benchProgram(Stage& stage, const Options& options);
 
 } // namespace skylet::bench

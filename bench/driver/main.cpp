@@ -1,5 +1,5 @@
 // Measures Skylet on a virtual desktop, beside what else could do its work.
-//   bench_driver [--quick] [frames] [latency] [show] [rest] [program]
+//   bench_driver [--quick] [frames] [latency] [show] [rest] [program] [input]
 #include "Benchmarks.h"
 #include "Stage.h"
 
@@ -36,6 +36,9 @@ int main(int argc, char** argv) {
     }
     if (wanted("program")) {
         benchProgram(stage, options);
+    }
+    if (wanted("input")) {
+        benchInput(stage, options);
     }
     if (wanted("latency")) {
         benchLatency(stage, options);

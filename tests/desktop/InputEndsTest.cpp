@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <csignal>
 #include <random>
+#include <sstream>
 
 namespace skylet::desktop {
 namespace {
@@ -185,6 +186,34 @@ TEST_F(InputEndsTest, WhatSwitchesToTheRealWindow) {
         x().movePointer(1270, 790);
         EXPECT_EQ(endSkylet(), 0);
     }
+}
+
+TEST_F(InputEndsTest, ManyClicksArriveOnceAndInOrder) {
+    constexpr int clicks = 400;
+    PREPARE(prepare());
+    PREPARE(startAndPin());
+    std::string expected;
+    for (int click = 0; click < clicks; ++click) {
+        const auto place = spot(click % 17 * 5 - 40, click % 11 * 7 - 35);
+        x().click(place.first, place.second);
+        const auto client = x().geometry(target_).value_or(Rectangle{});
+        const std::string at = "@" + std::to_string(place.first - client.x) + "," +
+                               std::to_string(place.second - client.y) + " ";
+        expected += "press1" + at;
+        expected += "release1" + at;
+    }
+    std::string got;
+    EXPECT_TRUE(eventually([&] {
+        got.clear();
+        std::istringstream words(probe_->said());
+        for (std::string word; words >> word;) {
+            if (word.starts_with("press") || word.starts_with("release1@")) {
+                got += word + " ";
+            }
+        }
+        return got.size() >= expected.size();
+    }));
+    EXPECT_EQ(got, expected);
 }
 
 class FullInputEndsTest : public InputEndsTest {};
