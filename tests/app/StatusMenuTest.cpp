@@ -134,6 +134,7 @@ TEST(StatusMenu, WindowsWithTheSameTextKeepTheOrderOfTheSet) {
         set.insert(PinnedWindow(window(windowID, "Editor", repeated("x", 41) + std::to_string(windowID))));
     }
     std::vector<std::string> order;
+    order.reserve(set.size());
     for (const PinnedWindow& one : set) {
         order.push_back("pinned:" + std::to_string(one.windowID));
     }

@@ -5,6 +5,8 @@
 namespace skylet::desktop {
 namespace {
 
+// An office and a browser have a lot to read on a busy machine.
+constexpr std::chrono::seconds longestStart{60};
 const std::string page = SKYLET_APPS_FOLDER "/input.html";
 
 ProbeWords wordsOf(Toolkit toolkit) {
@@ -162,19 +164,21 @@ InputProbe::InputProbe(VirtualDesktop& desktop, Toolkit toolkit)
         (void)process_.readLine();
     }
     // Browsers show a window of their own before the page.
-    (void)eventually([&] {
-        for (const Window window : desktop_.x().managedWindows()) {
-            const auto place = desktop_.x().geometry(window).value_or(Rectangle{});
-            if (desktop_.x().isViewable(window) &&
-                (desktop_.x().text(window, "_NET_WM_NAME") + desktop_.x().text(window, "WM_NAME"))
-                    .starts_with("target") &&
-                place.width > 300) {
-                window_ = window;
-                return true;
+    (void)eventually(
+        [&] {
+            for (const Window window : desktop_.x().managedWindows()) {
+                const auto place = desktop_.x().geometry(window).value_or(Rectangle{});
+                if (desktop_.x().isViewable(window) &&
+                    (desktop_.x().text(window, "_NET_WM_NAME") + desktop_.x().text(window, "WM_NAME"))
+                        .starts_with("target") &&
+                    place.width > 300) {
+                    window_ = window;
+                    return true;
+                }
             }
-        }
-        return !process_.isRunning();
-    });
+            return !process_.isRunning();
+        },
+        longestStart);
     if (window_ == XCB_NONE) {
         return;
     }
