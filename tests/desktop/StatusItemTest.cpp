@@ -1,6 +1,8 @@
 // The status item over the message bus: its menu, and hosts that come and go.
 #include "DesktopTest.h"
 
+#include <sstream>
+
 namespace skylet::desktop {
 namespace {
 
@@ -75,10 +77,12 @@ TEST_F(StatusItemTest, TenWindowsOfOneApplication) {
     Puppet other(desktop());
     const Window front = other.open("900 500 200 200 title=front");
     std::vector<Window> windows;
+    windows.reserve(count);
     for (int number = 0; number < count; ++number) {
         const std::string title = "number_" + std::to_string(number);
-        const std::string place = std::to_string(20 + number * 40) + " " + std::to_string(40 + number * 30);
-        windows.push_back(puppet().open(place + " 330 230 title=" + title));
+        std::ostringstream description;
+        description << 20 + number * 40 << " " << 40 + number * 30 << " 330 230 title=" << title;
+        windows.push_back(puppet().open(description.str()));
         PREPARE(bringToFront(front));
         PREPARE(bringToFront(windows.back()));
         ASSERT_TRUE(

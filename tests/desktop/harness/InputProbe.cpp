@@ -7,7 +7,8 @@ namespace {
 
 // An office and a browser have a lot to read on a busy machine.
 constexpr std::chrono::seconds longestStart{60};
-const std::string page = SKYLET_APPS_FOLDER "/input.html";
+const std::string apps = SKYLET_APPS_FOLDER "/";
+const std::string page = apps + "input.html";
 
 ProbeWords wordsOf(Toolkit toolkit) {
     switch (toolkit) {
@@ -85,18 +86,18 @@ Command commandOf(Toolkit toolkit, const VirtualDesktop& desktop) {
                 "-geometry",
                 "72x24+100+90",
                 "-e",
-                SKYLET_APPS_FOLDER "/input_xterm.sh",
+                apps + "input_xterm.sh",
                 desktop.path("xterm.mouse")};
     case Toolkit::tk:
-        return {"wish", SKYLET_APPS_FOLDER "/input.tcl"};
+        return {"wish", apps + "input.tcl"};
     case Toolkit::gtk3:
-        return {"/usr/bin/python3", SKYLET_APPS_FOLDER "/input_gtk.py", "3.0"};
+        return {"/usr/bin/python3", apps + "input_gtk.py", "3.0"};
     case Toolkit::gtk4:
-        return {"/usr/bin/python3", SKYLET_APPS_FOLDER "/input_gtk.py", "4.0"};
+        return {"/usr/bin/python3", apps + "input_gtk.py", "4.0"};
     case Toolkit::qt5:
-        return {"/usr/bin/python3", SKYLET_APPS_FOLDER "/input_qt.py", "5"};
+        return {"/usr/bin/python3", apps + "input_qt.py", "5"};
     case Toolkit::qt6:
-        return {"/usr/bin/python3", SKYLET_APPS_FOLDER "/input_qt.py", "6"};
+        return {"/usr/bin/python3", apps + "input_qt.py", "6"};
     case Toolkit::chromium:
         return {"chromium",
                 "--no-sandbox",
@@ -108,7 +109,7 @@ Command commandOf(Toolkit toolkit, const VirtualDesktop& desktop) {
                 "--window-size=640,480",
                 "--app=file://" + page};
     case Toolkit::office:
-        return {"/usr/bin/python3", SKYLET_APPS_FOLDER "/input_office.py", desktop.path("office")};
+        return {"/usr/bin/python3", apps + "input_office.py", desktop.path("office")};
     case Toolkit::firefox:
         return {"firefox-esr", "--new-instance", "--profile", desktop.path("firefox"), "--width",
                 "640",         "--height",       "480",       "file://" + page};
@@ -216,7 +217,7 @@ std::string InputProbe::everything() {
 }
 
 std::string InputProbe::said() {
-    const std::string all = everything();
+    std::string all = everything();
     // A page's title holds only the last words, so that the beginning may be gone.
     for (std::size_t gone = 0; gone < forgotten_.size(); ++gone) {
         if (all.starts_with(forgotten_.substr(gone))) {
