@@ -44,9 +44,7 @@ TEST_P(ScrollTest, MovesTheBarBothWays) {
     EXPECT_EQ(quiet.disturbances(), std::vector<std::string>{});
 }
 
-INSTANTIATE_TEST_SUITE_P(Full, ScrollTest,
-                         testing::Values(Toolkit::gtk3, Toolkit::gtk4, Toolkit::qt5, Toolkit::qt6,
-                                         Toolkit::office, Toolkit::chromium, Toolkit::firefox),
+INSTANTIATE_TEST_SUITE_P(Full, ScrollTest, testing::Values(Toolkit::gtk3, Toolkit::gtk4, Toolkit::qt6),
                          nameOf);
 
 } // namespace

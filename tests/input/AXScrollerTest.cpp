@@ -126,6 +126,7 @@ TEST(AXScroller, SearchesTwelveLevelsAndTakesEightAreas) {
     }
     ScrollScene s;
     std::vector<sim::SimNodeRef> areas;
+    areas.reserve(10);
     for (int i = 0; i < 10; ++i) {
         // Later areas are smaller, so that each would be preferred.
         areas.push_back(s.content().addScrollArea({100, 100, 600.0 - i, 400}, 0.5));
