@@ -252,7 +252,7 @@ TEST_P(FullPanelsTest, ComesLateIsUsedAndRestarts) {
     PREPARE(usePanel());
 }
 
-INSTANTIATE_TEST_SUITE_P(Panels, FullPanelsTest,
+INSTANTIATE_TEST_SUITE_P(Full, FullPanelsTest,
                          testing::Values(PanelKind::trayer, PanelKind::tint2, PanelKind::xfce,
                                          PanelKind::lxqt),
                          [](const auto& test) { return nameOf(test.param); });

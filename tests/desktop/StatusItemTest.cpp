@@ -84,6 +84,7 @@ TEST_F(StatusItemTest, TenWindowsOfOneApplication) {
         description << 20 + number * 40 << " " << 40 + number * 30 << " 330 230 title=" << title;
         windows.push_back(puppet().open(description.str()));
         PREPARE(bringToFront(front));
+        ASSERT_TRUE(eventually([&] { return ask("menu").find("Fissa «front»") != std::string::npos; }));
         PREPARE(bringToFront(windows.back()));
         ASSERT_TRUE(
             eventually([&] { return ask("menu").find("Fissa «" + title + "»") != std::string::npos; }));
