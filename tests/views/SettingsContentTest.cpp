@@ -23,47 +23,51 @@ class SettingsContentTest : public SettingsScene {
     }
 };
 
+constexpr const char* rateCaption = "La finestra flottante si aggiorna quando cambia il contenuto; una "
+                                    "frequenza alta non pesa se l’immagine è ferma.";
+constexpr const char* forwardCaption =
+    "I clic e lo scorrimento vengono inviati alla finestra fissata. Fai clic tenendo premuto ⌘ per passare "
+    "alla finestra originale. Se disattivata, basta un clic per tornare alla finestra originale.";
+constexpr const char* accessibilityCaption =
+    "Necessaria per usare la scorciatoia da tastiera e portare in primo piano le finestre fissate.";
+constexpr const char* postingCaption =
+    "Necessaria per usare clic e scorrimento sulla finestra flottante senza attivare la finestra originale.";
+
 TEST_F(SettingsContentTest, SaysEverythingInOrder) {
     desktop.eventPoster.permitted = false;
-    EXPECT_EQ(
-        textsOf(open()),
-        (Texts{"Finestre flottanti",
-               rateTitle,
-               "30 fps",
-               "La finestra flottante si aggiorna quando cambia il contenuto; una frequenza alta non "
-               "pesa se l’immagine è ferma.",
-               forwardTitle,
-               "I clic e lo scorrimento vengono inviati alla finestra fissata. Fai clic tenendo premuto "
-               "⌘ per passare alla finestra originale. Se disattivata, basta un clic per tornare alla "
-               "finestra originale.",
-               spacesTitle,
-               "Scorciatoia da tastiera",
-               "Fissa o sblocca la finestra",
-               "⌃⌘P",
-               "Rimuovi",
-               "Modifica…",
-               "Autorizzazioni",
-               "Accessibilità",
-               "Autorizzata",
-               "Necessaria per usare la scorciatoia da tastiera e portare in primo piano le finestre "
-               "fissate.",
-               "Invio di clic e scorrimento",
-               "Consenti accesso",
-               "Necessaria per usare clic e scorrimento sulla finestra flottante senza attivare la "
-               "finestra originale.",
-               "Registrazione schermo",
-               "Autorizzata",
-               "Necessaria per acquisire il contenuto della finestra e mostrarlo in tempo reale.",
-               "Barra dei menu",
-               iconTitle,
-               "Icona della barra dei menu",
-               pillTitle,
-               "Generali",
-               loginTitle,
-               "Informazioni",
-               "Versione",
-               "1.2.3",
-               "Fine"}));
+    EXPECT_EQ(textsOf(open()),
+              (Texts{"Finestre flottanti",
+                     rateTitle,
+                     "30 fps",
+                     rateCaption,
+                     forwardTitle,
+                     forwardCaption,
+                     spacesTitle,
+                     "Scorciatoia da tastiera",
+                     "Fissa o sblocca la finestra",
+                     "⌃⌘P",
+                     "Rimuovi",
+                     "Modifica…",
+                     "Autorizzazioni",
+                     "Accessibilità",
+                     "Autorizzata",
+                     accessibilityCaption,
+                     "Invio di clic e scorrimento",
+                     "Consenti accesso",
+                     postingCaption,
+                     "Registrazione schermo",
+                     "Autorizzata",
+                     "Necessaria per acquisire il contenuto della finestra e mostrarlo in tempo reale.",
+                     "Barra dei menu",
+                     iconTitle,
+                     "Icona della barra dei menu",
+                     pillTitle,
+                     "Generali",
+                     loginTitle,
+                     "Informazioni",
+                     "Versione",
+                     "1.2.3",
+                     "Fine"}));
 }
 
 TEST_F(SettingsContentTest, TogglesWriteAtOnceAndFollowTheStore) {

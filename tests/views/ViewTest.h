@@ -49,6 +49,7 @@ inline std::vector<std::string> textsOf(const QWidget& window) {
         return std::abs(first.y() - second.y()) > 4 ? first.y() < second.y() : first.x() < second.x();
     });
     std::vector<std::string> texts;
+    texts.reserve(shown.size());
     for (const QWidget* widget : shown) {
         texts.push_back(wordsOf(*widget).toStdString());
     }
