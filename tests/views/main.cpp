@@ -1,3 +1,5 @@
+#include "support/ThreadSanitizer.h"
+
 #include <QApplication>
 
 #include <gtest/gtest.h>
