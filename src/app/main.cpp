@@ -47,10 +47,20 @@ void tellUser(const std::string& message) {
 
 // Qt's own connection ends the process on the spot when the server goes, mostly before ours notices.
 std::atomic<bool> isServerNeeded{false};
+std::atomic<bool> isServerGone{false};
 
 void tellServerIsGone() {
     if (isServerNeeded.exchange(false)) {
+        isServerGone = true;
         tellUser("the X server closed the connection");
+    }
+}
+
+// Qt calls exit() amid whatever is under way; nothing can be taken down in order from there.
+void endWithoutServer() {
+    tellServerIsGone();
+    if (isServerGone) {
+        std::_Exit(EXIT_FAILURE);
     }
 }
 
@@ -221,7 +231,7 @@ int main(int argc, char** argv) {
         return EXIT_FAILURE;
     }
     const x11::RepairChild repair;
-    std::atexit(tellServerIsGone);
+    std::atexit(endWithoutServer);
     qt::QtMessages messages;
     auto arguments = qtArguments(argc, argv);
     int count = static_cast<int>(arguments.size()) - 1;
