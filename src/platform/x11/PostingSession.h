@@ -57,6 +57,7 @@ class PostingSession {
     void leadTo(PixelPoint place);
     void popupsGone();
     void closePopups(int attempt);
+    void dismissPopups();
     void scheduleEnd();
     void waitForEnd(double seconds);
     void endIfIdle();
@@ -78,6 +79,7 @@ class PostingSession {
     bool dropsUntilRelease_ = false;
     std::uint8_t heldButton_ = 0;
     bool spareIsDown_ = false;
+    int popupRound_ = 0; // counts each time that all popups are gone
     bool holdsUser_ = false;
     bool isAway_ = false; // from the parking place
     int x_ = 0;
