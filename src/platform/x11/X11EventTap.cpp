@@ -32,7 +32,7 @@ std::string keyInWords(Connection& connection, xcb_keycode_t keyCode, std::uint1
             return QString(QChar(static_cast<char16_t>(symbol)).toUpper()).toStdString();
         }
     }
-    return "key code " + std::to_string(virtualKeyCode);
+    return std::string("key code ").append(std::to_string(virtualKeyCode));
 }
 
 } // namespace
