@@ -1,6 +1,7 @@
 // The entry: finds the desktop, makes the adapters and the controller, and runs the event loop.
 
 #include "app/AppDelegate.h"
+#include "app/CommandLine.h"
 #include "app/views/ProgramWindows.h"
 #include "foundation/DiagnosticsLog.h"
 #include "foundation/LogLocation.h"
@@ -216,6 +217,10 @@ int run(QApplication& application, qt::QtMessages& messages) {
 } // namespace
 
 int main(int argc, char** argv) {
+    if (const auto answer =
+            skylet::answerCommandLine({argv, static_cast<std::size_t>(argc)}, SKYLET_VERSION)) {
+        return answer->print();
+    }
     if (const auto problem = x11::findServerProblem()) {
         tellUser(*problem);
         return EXIT_FAILURE;
