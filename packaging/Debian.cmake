@@ -17,13 +17,14 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION x11)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE ${PROJECT_HOMEPAGE_URL})
-set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "live picture of a window above all others
- Skylet pins a window of another application: a live picture of it floats
- above everything else and follows the window. Clicks and scrolling on the
- picture reach the window behind without bringing it to the front.
- .
- It works in an X11 session under any window manager, with or without a
- compositor, and shows itself as an icon in the panel.")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY ${PROJECT_DESCRIPTION})
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
+"Skylet pins a window of another application: a live picture of it floats
+above everything else and follows the window. Clicks and scrolling on the
+picture reach the window behind without bringing it to the front.
+
+It works in an X11 session under any window manager, with or without a
+compositor, and shows itself as an icon in the panel.")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 # Without them it works, but: no scrolling through accessibility, no question for it, no activation from menus and
