@@ -28,6 +28,7 @@
 #include "platform/x11/X11WorkerDesktop.h"
 
 #include <QApplication>
+#include <QSessionManager>
 
 #include <atomic>
 #include <cstdio>
@@ -235,5 +236,9 @@ int main(int argc, char** argv) {
     QApplication::setOrganizationDomain(QStringLiteral("corvane.com"));
     QApplication::setDesktopFileName(QString::fromLatin1(skylet::bundleIdentifier));
     QApplication::setApplicationVersion(QStringLiteral(SKYLET_VERSION));
+    // Else a restored session would start the program with an argument of Qt's.
+    QObject::connect(&application, &QGuiApplication::saveStateRequest, [](QSessionManager& session) {
+        session.setRestartCommand({QCoreApplication::applicationFilePath()});
+    });
     return run(application, messages);
 }
