@@ -1,8 +1,7 @@
 #include "app/CommandLine.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
+#include <gtest/gtest.h>
 #include <vector>
 
 namespace skylet::test {
@@ -32,7 +31,10 @@ TEST(CommandLineTest, AnswersOrComplainsInOneLine) {
          2,
          "",
          R"(unexpected argument "--version"; "skylet --help" tells more)"},
-        {{"skylet", "two\nlines\x7f"}, 2, "", R"(unexpected argument "two?lines?"; "skylet --help" tells more)"},
+        {{"skylet", "two\nlines\x7f"},
+         2,
+         "",
+         R"(unexpected argument "two?lines?"; "skylet --help" tells more)"},
         {{"skylet", "perché"}, 2, "", R"(unexpected argument "perché"; "skylet --help" tells more)"},
     };
     for (const Case& c : cases) {
@@ -53,7 +55,8 @@ TEST(CommandLineTest, HelpFitsATerminal) {
     const auto answer = answerCommandLine(arguments, "");
     ASSERT_TRUE(answer);
     std::size_t start = 0;
-    for (std::size_t end = 0; (end = answer->output.find('\n', start)) != std::string::npos; start = end + 1) {
+    for (std::size_t end = 0; (end = answer->output.find('\n', start)) != std::string::npos;
+         start = end + 1) {
         EXPECT_LE(end - start, 79U) << answer->output.substr(start, end - start);
     }
     EXPECT_EQ(start, answer->output.size());

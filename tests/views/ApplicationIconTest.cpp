@@ -4,9 +4,8 @@
 #include <QImage>
 #include <QPixmap>
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
+#include <gtest/gtest.h>
 
 namespace skylet::test {
 namespace {
@@ -20,8 +19,10 @@ TEST(ApplicationIconTest, IsDrawnAsInstalled) {
         SCOPED_TRACE(size);
         const QString file = QStringLiteral(SKYLET_ICONS "/com.corvane.skylet-%1.png").arg(size);
         const QImage installed = QImage(file).convertToFormat(QImage::Format_ARGB32_Premultiplied);
-        const QImage drawn =
-            applicationIcon().pixmap(size, size).toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
+        const QImage drawn = applicationIcon()
+                                 .pixmap(size, size)
+                                 .toImage()
+                                 .convertToFormat(QImage::Format_ARGB32_Premultiplied);
         ASSERT_EQ(installed.size(), QSize(size, size));
         ASSERT_EQ(drawn.size(), installed.size());
         int different = 0;
