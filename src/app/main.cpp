@@ -1,6 +1,7 @@
 // The entry: finds the desktop, makes the adapters and the controller, and runs the event loop.
 
 #include "app/AppDelegate.h"
+#include "app/CommandLine.h"
 #include "app/views/ProgramWindows.h"
 #include "foundation/DiagnosticsLog.h"
 #include "foundation/LogLocation.h"
@@ -27,6 +28,7 @@
 #include "platform/x11/X11WorkerDesktop.h"
 
 #include <QApplication>
+#include <QSessionManager>
 
 #include <atomic>
 #include <cstdio>
@@ -226,6 +228,10 @@ int run(QApplication& application, qt::QtMessages& messages) {
 } // namespace
 
 int main(int argc, char** argv) {
+    if (const auto answer =
+            skylet::answerCommandLine({argv, static_cast<std::size_t>(argc)}, SKYLET_VERSION)) {
+        return answer->print();
+    }
     if (const auto problem = x11::findServerProblem()) {
         tellUser(*problem);
         return EXIT_FAILURE;
@@ -240,5 +246,9 @@ int main(int argc, char** argv) {
     QApplication::setOrganizationDomain(QStringLiteral("corvane.com"));
     QApplication::setDesktopFileName(QString::fromLatin1(skylet::bundleIdentifier));
     QApplication::setApplicationVersion(QStringLiteral(SKYLET_VERSION));
+    // Else a restored session would start the program with an argument of Qt's.
+    QObject::connect(&application, &QGuiApplication::saveStateRequest, [](QSessionManager& session) {
+        session.setRestartCommand({QCoreApplication::applicationFilePath()});
+    });
     return run(application, messages);
 }

@@ -163,7 +163,8 @@ bool GuardedFile::replace(const std::string& bytes) const {
             return false;
         }
     }
-    std::string temporary = (directory / ("." + path.filename().string() + ".XXXXXX")).string();
+    const std::string name = std::string(".").append(path.filename().string()).append(".XXXXXX");
+    std::string temporary = (directory / name).string();
     const Descriptor file(mkostemp(temporary.data(), O_CLOEXEC)); // exclusive, mode 0600
     if (!file) {
         return false;

@@ -25,14 +25,14 @@ std::string keyInWords(Connection& connection, xcb_keycode_t keyCode, std::uint1
     if (mapping && xcb_get_keyboard_mapping_keysyms_length(mapping.get()) > 0) {
         const xcb_keysym_t symbol = *xcb_get_keyboard_mapping_keysyms(mapping.get());
         if (symbol >= firstFunctionKey && symbol <= lastFunctionKey) {
-            return "F" + std::to_string(symbol - firstFunctionKey + 1);
+            return std::string("F").append(std::to_string(symbol - firstFunctionKey + 1));
         }
         // Keysyms of Latin-1 characters are the characters.
         if ((symbol > 0x20 && symbol < 0x7F) || (symbol > 0xA0 && symbol <= 0xFF)) {
             return QString(QChar(static_cast<char16_t>(symbol)).toUpper()).toStdString();
         }
     }
-    return "key code " + std::to_string(virtualKeyCode);
+    return std::string("key code ").append(std::to_string(virtualKeyCode));
 }
 
 } // namespace
