@@ -188,9 +188,16 @@ TEST_F(InputEndsTest, WhatSwitchesToTheRealWindow) {
     }
 }
 
-TEST_F(InputEndsTest, ManyClicksArriveOnceAndInOrder) {
+class ManyClicksTest : public InputEndsTest, public testing::WithParamInterface<bool> {};
+
+// A target that grabs the pointer at a press and lets go late would take the next press without its release.
+TEST_P(ManyClicksTest, ArriveOnceAndInOrder) {
     constexpr int clicks = 400;
     PREPARE(prepare());
+    if (GetParam()) {
+        probe_->process().write("grabbing\n");
+        ASSERT_EQ(probe_->process().readLine(), "ok");
+    }
     PREPARE(startAndPin());
     std::string expected;
     for (int click = 0; click < clicks; ++click) {
@@ -215,6 +222,10 @@ TEST_F(InputEndsTest, ManyClicksArriveOnceAndInOrder) {
     }));
     EXPECT_EQ(got, expected);
 }
+
+INSTANTIATE_TEST_SUITE_P(Small, ManyClicksTest, testing::Bool(), [](const auto& which) {
+    return which.param ? std::string("grabbing") : std::string("plain");
+});
 
 class FullInputEndsTest : public InputEndsTest {};
 

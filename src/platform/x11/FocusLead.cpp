@@ -29,8 +29,8 @@ void sendFocus(Connection& connection, xcb_window_t client, std::uint8_t type) {
 
 } // namespace
 
-FocusLead::FocusLead(Connection& connection, MainQueue& mainQueue, xcb_window_t client, std::uint32_t serial,
-                     Answer answer)
+FocusLead::FocusLead(Connection& connection, MainQueue& mainQueue, xcb_window_t client, Kind kind,
+                     std::uint32_t serial, Answer answer)
     : connection_(connection)
     , client_(client)
     , serial_(serial)
@@ -41,7 +41,9 @@ FocusLead::FocusLead(Connection& connection, MainQueue& mainQueue, xcb_window_t 
     rootEvents_ = connection_.subscribe(connection_.root(), XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
                                         [this](const xcb_generic_event_t& event) { handle(event); });
     const auto protocols = items(pending, XCB_ATOM_ATOM);
-    sendFocus(connection_, client_, XCB_FOCUS_IN);
+    if (kind == Kind::focusAndPing) {
+        sendFocus(connection_, client_, XCB_FOCUS_IN);
+    }
     if (std::find(protocols.begin(), protocols.end(), atoms.NET_WM_PING) == protocols.end()) {
         mainQueue.async([this, alive = std::weak_ptr(alive_)] {
             if (!alive.expired()) {

@@ -74,15 +74,8 @@ void PostingSession::post(PostedInput input) {
 
 void PostingSession::runQueue() {
     while (!queue_.empty() && !isGone_) {
-        const bool needsLead =
-            queue_.front().kind == PostedInput::Kind::press && !isReady_ && heldButton_ == 0;
-        if (needsLead) {
-            if (!lead_) {
-                const std::uint32_t serial = pingSerials + ++leads_;
-                lead_ = std::make_unique<FocusLead>(connection_, mainQueue_, client_, serial,
-                                                    [this](bool ready) { leadAnswered(ready); });
-            }
-            return;
+        if (queue_.front().kind == PostedInput::Kind::press && awaitsLead()) {
+            break;
         }
         const PostedInput input = std::move(queue_.front());
         queue_.pop_front();
@@ -106,15 +99,33 @@ void PostingSession::runQueue() {
     connection_.flush();
 }
 
-void PostingSession::leadAnswered(bool ready) {
-    isReady_ = ready;
+bool PostingSession::awaitsLead() {
+    // A press beside popups only closes them.
+    const bool isSettled = isSettled_ || popups_.isOpen();
+    if (heldButton_ != 0 || (isReady_ && isSettled)) {
+        return false;
+    }
+    if (!lead_) {
+        const auto kind = isReady_ ? FocusLead::Kind::pingOnly : FocusLead::Kind::focusAndPing;
+        lead_ = std::make_unique<FocusLead>(connection_, mainQueue_, client_, kind, pingSerials + ++leads_,
+                                            [this, kind](bool ready) { leadAnswered(kind, ready); });
+    }
+    return true;
+}
+
+void PostingSession::leadAnswered(FocusLead::Kind kind, bool ready) {
+    const bool wasReady = kind == FocusLead::Kind::pingOnly;
+    if (!wasReady) {
+        isReady_ = ready;
+    }
+    isSettled_ = true;
     mainQueue_.async([this, alive = std::weak_ptr(alive_)] {
         if (!alive.expired()) {
             lead_.reset();
             runQueue();
         }
     });
-    if (!ready) {
+    if (!wasReady && !ready) {
         // A press that came late would take the focus after all.
         queue_.clear();
         dropsUntilRelease_ = true;
@@ -172,6 +183,7 @@ void PostingSession::press(const PostedInput& input) {
     openBlock(input);
     pointer_.press(input.button);
     heldButton_ = input.button;
+    isSettled_ = false;
     spareIsDown_ = true;
     isAway_ = true;
     if (input.button == rightButton) {

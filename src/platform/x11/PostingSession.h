@@ -4,7 +4,8 @@
 // A press goes out as one block: the server is grabbed, the windows above get a hole, the second pointer
 // jumps to the point unnoticed and presses, the holes close. After that the implicit grab of the press
 // carries motion and release to the target. Before a first press the target is made to believe that it has
-// the focus (see FocusLead); one that does not answer gets nothing.
+// the focus, before a further one it is given time to deal with the last (see FocusLead); one that does not
+// answer gets no first press.
 //
 // Coordinates: root coordinates. Threads: main thread. Failure: events that cannot be posted are dropped;
 // whatever happens to the target, no button stays down and no hole stays open.
@@ -39,7 +40,8 @@ class PostingSession {
 
   private:
     void runQueue();
-    void leadAnswered(bool ready);
+    [[nodiscard]] bool awaitsLead();
+    void leadAnswered(FocusLead::Kind kind, bool ready);
     void press(const PostedInput& input);
     // The pointer, with its button down, goes to the input's place.
     void follow(const PostedInput& input);
@@ -75,7 +77,8 @@ class PostingSession {
     std::uint16_t formerClientPointer_ = 0;
     std::deque<PostedInput> queue_;
     std::unique_ptr<FocusLead> lead_;
-    bool isReady_ = false;
+    bool isReady_ = false;   // believes that it has the focus
+    bool isSettled_ = false; // has dealt with the last press and release
     bool dropsUntilRelease_ = false;
     std::uint8_t heldButton_ = 0;
     bool spareIsDown_ = false;

@@ -21,6 +21,8 @@ xcb_visualid_t visualOfDepth(const xcb_screen_t* screen, int wanted) {
     return screen->root_visual;
 }
 
+} // namespace
+
 xcb_atom_t atom(xcb_connection_t* connection, const std::string& name) {
     const auto cookie = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.c_str());
     xcb_intern_atom_reply_t* reply = xcb_intern_atom_reply(connection, cookie, nullptr);
@@ -28,8 +30,6 @@ xcb_atom_t atom(xcb_connection_t* connection, const std::string& name) {
     std::free(reply);
     return result;
 }
-
-} // namespace
 
 PuppetWindow::PuppetWindow(xcb_connection_t* connection, const WindowOptions& options)
     : connection_(connection)

@@ -22,6 +22,8 @@ struct WindowOptions {
     std::string title;
 };
 
+[[nodiscard]] xcb_atom_t atom(xcb_connection_t* connection, const std::string& name);
+
 class PuppetWindow {
   public:
     PuppetWindow(xcb_connection_t* connection, const WindowOptions& options);

@@ -9,23 +9,30 @@
 //   destroy WINDOW
 //   grab KEYCODE MODIFIERS               answers "ok" or "refused"
 //   ungrab KEYCODE MODIFIERS
+//   grabbing                             from now on is slow, answers pings, and grabs the pointer from every
+//                                        other press to its release
 //   events                               answers what came since the last question, or "none"
 //
 // It ends at the end of its input.
 #include "PuppetWindow.h"
 
 #include <array>
+#include <chrono>
 #include <iostream>
 #include <map>
 #include <poll.h>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <unistd.h>
 #include <utility>
 #include <vector>
 
 namespace skylet::puppet {
 namespace {
+
+// What a busy application takes for an event.
+constexpr std::chrono::milliseconds slowness(2);
 
 std::string modifiers(unsigned state) {
     return std::string((state & XCB_MOD_MASK_SHIFT) != 0 ? "+shift" : "") +
@@ -46,12 +53,17 @@ class Puppet {
     std::string openWindow(std::istream& words);
     std::string setProperty(std::istream& words);
     std::string grabKey(std::istream& words, bool grab);
+    std::string beginGrabbing();
+    void answerPing(const xcb_client_message_event_t& message);
+    void grabWhileDown(bool down, const xcb_button_press_event_t& button);
     void take(const xcb_generic_event_t& event);
     void takeEvents();
     void sync();
 
     xcb_connection_t* connection_;
     std::map<xcb_window_t, PuppetWindow> windows_;
+    bool isGrabbing_ = false;
+    int presses_ = 0;
     std::string events_;
 };
 
@@ -94,15 +106,8 @@ std::string Puppet::setProperty(std::istream& words) {
     std::size_t repeat = 1;
     std::string hex;
     words >> window >> names[0] >> names[1] >> format >> repeat >> hex;
-    std::array<xcb_atom_t, 2> atoms{};
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        xcb_intern_atom_reply_t* reply = xcb_intern_atom_reply(
-            connection_,
-            xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(names[i].size()), names[i].c_str()),
-            nullptr);
-        atoms[i] = reply ? reply->atom : XCB_NONE;
-        std::free(reply);
-    }
+    const xcb_atom_t name = atom(connection_, names[0]);
+    const xcb_atom_t type = atom(connection_, names[1]);
     std::string bytes;
     for (std::size_t i = 0; i + 1 < hex.size(); i += 2) {
         bytes += static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16));
@@ -112,7 +117,7 @@ std::string Puppet::setProperty(std::istream& words) {
         all += bytes;
     }
     xcb_change_property(
-        connection_, XCB_PROP_MODE_REPLACE, window, atoms[0], atoms[1], static_cast<std::uint8_t>(format),
+        connection_, XCB_PROP_MODE_REPLACE, window, name, type, static_cast<std::uint8_t>(format),
         static_cast<std::uint32_t>(all.size() / static_cast<std::size_t>(format / 8)), all.data());
     return "ok";
 }
@@ -131,6 +136,37 @@ std::string Puppet::grabKey(std::istream& words, bool grab) {
     const bool refused = error != nullptr;
     std::free(error);
     return refused ? "refused" : "ok";
+}
+
+std::string Puppet::beginGrabbing() {
+    isGrabbing_ = true;
+    const xcb_atom_t protocols = atom(connection_, "WM_PROTOCOLS");
+    const xcb_atom_t ping = atom(connection_, "_NET_WM_PING");
+    for (const auto& [id, window] : windows_) {
+        xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, id, protocols, XCB_ATOM_ATOM, 32, 1, &ping);
+    }
+    return "ok";
+}
+
+void Puppet::answerPing(const xcb_client_message_event_t& message) {
+    xcb_client_message_event_t answer = message;
+    answer.window = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root;
+    xcb_send_event(connection_, 0, answer.window,
+                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                   reinterpret_cast<const char*>(&answer));
+}
+
+void Puppet::grabWhileDown(bool down, const xcb_button_press_event_t& button) {
+    if (down && (presses_++ % 2 != 0)) {
+        return;
+    }
+    if (down) {
+        xcb_grab_pointer_unchecked(
+            connection_, 1, button.event, XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE,
+            XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);
+    } else {
+        xcb_ungrab_pointer(connection_, XCB_CURRENT_TIME);
+    }
 }
 
 std::string Puppet::obey(const std::string& line) {
@@ -163,6 +199,9 @@ std::string Puppet::obey(const std::string& line) {
     }
     if (verb == "grab" || verb == "ungrab") {
         return grabKey(words, verb == "grab");
+    }
+    if (verb == "grabbing") {
+        return beginGrabbing();
     }
     if (verb == "events") {
         sync();
@@ -197,8 +236,16 @@ void Puppet::take(const xcb_generic_event_t& event) {
         note(((event.response_type & 0x7F) == XCB_BUTTON_PRESS ? "press" : "release") +
              std::to_string(button->detail) + modifiers(button->state) + "@" +
              std::to_string(button->event_x) + "," + std::to_string(button->event_y));
+        if (isGrabbing_ && button->detail == XCB_BUTTON_INDEX_1) {
+            grabWhileDown((event.response_type & 0x7F) == XCB_BUTTON_PRESS, *button);
+        }
         break;
     }
+    case XCB_CLIENT_MESSAGE:
+        if (isGrabbing_) {
+            answerPing(*reinterpret_cast<const xcb_client_message_event_t*>(bytes));
+        }
+        break;
     case XCB_MOTION_NOTIFY:
         note("motion");
         break;
@@ -218,8 +265,12 @@ void Puppet::take(const xcb_generic_event_t& event) {
 
 void Puppet::takeEvents() {
     while (xcb_generic_event_t* event = xcb_poll_for_event(connection_)) {
+        if (isGrabbing_) {
+            std::this_thread::sleep_for(slowness);
+        }
         take(*event);
         std::free(event);
+        xcb_flush(connection_);
     }
 }
 
