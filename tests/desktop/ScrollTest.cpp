@@ -1,8 +1,11 @@
 // Scrolling through accessibility, as from system version 27.0 on: the bars move as the application shows
 // them, and nothing is clicked or focused.
 #include "DesktopTest.h"
+#include "harness/AccessibleTree.h"
 #include "harness/InputProbe.h"
 #include "harness/QuietWatch.h"
+
+#include <algorithm>
 
 namespace skylet::desktop {
 namespace {
@@ -16,9 +19,18 @@ class ScrollTest : public DesktopTest, public testing::WithParamInterface<Toolki
 TEST_P(ScrollTest, MovesTheBarBothWays) {
     PREPARE(openDesktop());
     desktop().setEnvironment("SKYLET_SYSTEM_VERSION", "27.0");
-    InputProbe probe(desktop(), GetParam());
+    InputProbe probe(desktop(), GetParam(), true);
     const Window target = probe.window();
     ASSERT_NE(target, Window{XCB_NONE}) << probe.process().errorOutput();
+    if (GetParam() == Toolkit::firefox) {
+        // It works out where its page's parts are when it is first asked.
+        const AccessibleTree tree(desktop());
+        ASSERT_TRUE(eventually([&] {
+            return std::ranges::any_of(tree.shown("Firefox"), [](const AccessibleNode& node) {
+                return node.role == roleDocumentWeb && node.place.width > 0;
+            });
+        }));
+    }
     PREPARE(openPuppet());
     const Window cover = puppet().open("40 30 1000 700 title=cover");
     x().movePointer(1270, 790);
@@ -44,7 +56,9 @@ TEST_P(ScrollTest, MovesTheBarBothWays) {
     EXPECT_EQ(quiet.disturbances(), std::vector<std::string>{});
 }
 
-INSTANTIATE_TEST_SUITE_P(Full, ScrollTest, testing::Values(Toolkit::gtk3, Toolkit::gtk4, Toolkit::qt6),
+INSTANTIATE_TEST_SUITE_P(Full, ScrollTest,
+                         testing::Values(Toolkit::gtk3, Toolkit::gtk4, Toolkit::qt5, Toolkit::qt6,
+                                         Toolkit::office, Toolkit::chromium, Toolkit::firefox),
                          nameOf);
 
 } // namespace

@@ -8,7 +8,6 @@ namespace skylet::platform::x11 {
 // Member name, atom name. Names come from ICCCM, EWMH and the protocols named beside them.
 #define SKYLET_X11_ATOMS(X)                                                                                  \
     X(UTF8_STRING, "UTF8_STRING")                                                                            \
-    X(COMPOUND_TEXT, "COMPOUND_TEXT")                                                                        \
     X(WM_STATE, "WM_STATE")                                                                                  \
     X(WM_PROTOCOLS, "WM_PROTOCOLS")                                                                          \
     X(NET_ACTIVE_WINDOW, "_NET_ACTIVE_WINDOW")                                                               \
@@ -27,7 +26,6 @@ namespace skylet::platform::x11 {
     X(NET_WM_STATE_HIDDEN, "_NET_WM_STATE_HIDDEN")                                                           \
     X(NET_WM_STATE_SKIP_PAGER, "_NET_WM_STATE_SKIP_PAGER")                                                   \
     X(NET_WM_STATE_SKIP_TASKBAR, "_NET_WM_STATE_SKIP_TASKBAR")                                               \
-    X(NET_WM_STATE_STICKY, "_NET_WM_STATE_STICKY")                                                           \
     X(NET_WM_WINDOW_OPACITY, "_NET_WM_WINDOW_OPACITY")                                                       \
     X(NET_WM_WINDOW_TYPE, "_NET_WM_WINDOW_TYPE")                                                             \
     X(NET_WM_WINDOW_TYPE_DESKTOP, "_NET_WM_WINDOW_TYPE_DESKTOP")                                             \
@@ -36,7 +34,6 @@ namespace skylet::platform::x11 {
     X(NET_WORKAREA, "_NET_WORKAREA")                                                                         \
     X(GTK_APPLICATION_ID, "_GTK_APPLICATION_ID")                                                             \
     X(GTK_FRAME_EXTENTS, "_GTK_FRAME_EXTENTS")                                                               \
-    X(MANAGER, "MANAGER")                                                                                    \
     X(NET_WM_PING, "_NET_WM_PING")                                                                           \
     X(SKYLET_HOLES, "_SKYLET_HOLES")                                                                         \
     X(SKYLET_TIME, "_SKYLET_TIME")

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <limits>
 
 namespace skylet::platform::x11 {
 
@@ -13,6 +15,8 @@ namespace {
 constexpr double sameShare = 1e-6;
 // The space that browsers leave around a document's content, in pixels.
 constexpr double documentMargin = 8;
+// Of a document, at most so many parts are asked where they are: the first ones and the last.
+constexpr std::size_t maximumParts = 16;
 // Steps that one movement may take; what is missing then comes with the next one.
 constexpr int maximumSteps = 16;
 // How many lines a page has, until a page step was seen.
@@ -33,7 +37,7 @@ double AtspiBars::Range::normalised() const {
 
 AtspiBars::Range AtspiBars::readRange(const AtspiScrollArea& area) {
     if (area.drive == AtspiDrive::document) {
-        return readDocument(area);
+        return readDocument(area).range;
     }
     const auto answers = bus_.callAll({AtspiBus::property(area.bar, "Value", "MinimumValue"),
                                        AtspiBus::property(area.bar, "Value", "MaximumValue"),
@@ -70,29 +74,48 @@ AtspiBars::Range AtspiBars::readRange(const AtspiScrollArea& area) {
     return range;
 }
 
-AtspiBars::Range AtspiBars::readDocument(const AtspiScrollArea& area) {
-    Range range;
+AtspiBars::Document AtspiBars::readDocument(const AtspiScrollArea& area) {
+    Document document;
     const QDBusMessage list = bus_.call(AtspiBus::method(area.bar, "Accessible", "GetChildren"));
-    const auto children = AtspiReply::children(list);
+    auto children = AtspiReply::children(list);
     if (!children || children->empty()) {
-        range.error = children ? AXError::noValue : AtspiReply::error(list);
-        range.error = range.error == AXError::success ? AXError::failure : range.error;
-        return range;
+        document.range.error = children ? AXError::noValue : AtspiReply::error(list);
+        if (document.range.error == AXError::success) {
+            document.range.error = AXError::failure;
+        }
+        return document;
     }
-    const auto answers = bus_.callAll({AtspiBus::extents(area.bar), AtspiBus::extents(children->front()),
-                                       AtspiBus::extents(children->back())});
-    const auto document = AtspiReply::extents(answers[0]);
-    const auto first = AtspiReply::extents(answers[1]);
-    const auto last = AtspiReply::extents(answers[2]);
-    if (!document || !first || !last) {
-        range.error = AXError::failure;
-        return range;
+    if (children->size() > maximumParts) {
+        children->erase(children->begin() + maximumParts - 1, children->end() - 1);
     }
-    const double height = double(last->y) + last->height - first->y + 2 * documentMargin;
-    range.maximum = std::max(0.0, height - document->height);
-    range.end = range.maximum;
-    range.current = document->y + documentMargin - first->y;
-    return range;
+    std::vector<QDBusMessage> questions{AtspiBus::extents(area.bar)};
+    for (const AtspiRef& child : *children) {
+        questions.push_back(AtspiBus::extents(child));
+    }
+    const auto answers = bus_.callAll(questions);
+    const auto view = AtspiReply::extents(answers.front());
+    double top = std::numeric_limits<double>::max();
+    double bottom = std::numeric_limits<double>::lowest();
+    for (std::size_t i = 0; i < children->size(); ++i) {
+        const auto part = AtspiReply::extents(answers[i + 1]);
+        if (!part || part->height <= 0) {
+            continue;
+        }
+        top = std::min(top, double(part->y));
+        bottom = std::max(bottom, double(part->y) + part->height);
+        if (part->height > document.extents.height) {
+            document.content = (*children)[i];
+            document.extents = *part;
+        }
+    }
+    if (!view || document.extents.height <= 0) {
+        document.range.error = AXError::failure;
+        return document;
+    }
+    document.range.maximum = std::max(0.0, bottom - top + 2 * documentMargin - view->height);
+    document.range.end = document.range.maximum;
+    document.range.current = view->y + documentMargin - top;
+    return document;
 }
 
 std::pair<int, double> AtspiBars::read(const AtspiScrollArea& area) {
@@ -101,19 +124,15 @@ std::pair<int, double> AtspiBars::read(const AtspiScrollArea& area) {
 }
 
 int AtspiBars::write(const AtspiScrollArea& area, double value) {
+    if (area.drive == AtspiDrive::document) {
+        return writeDocument(area, value);
+    }
     const Range range = readRange(area);
     if (range.error != AXError::success) {
         return range.error;
     }
-    switch (area.drive) {
-    case AtspiDrive::actions:
-        return writeByActions(area, range, value);
-    case AtspiDrive::document:
-        return writeDocument(area, range, value);
-    case AtspiDrive::value:
-        break;
-    }
-    return writeValue(area, range, value);
+    return area.drive == AtspiDrive::actions ? writeByActions(area, range, value)
+                                             : writeValue(area, range, value);
 }
 
 int AtspiBars::writeValue(const AtspiScrollArea& area, const Range& before, double value) {
@@ -175,22 +194,16 @@ int AtspiBars::writeByActions(const AtspiScrollArea& area, Range range, double v
     return AXError::success;
 }
 
-int AtspiBars::writeDocument(const AtspiScrollArea& area, const Range& range, double value) {
-    const auto children =
-        AtspiReply::children(bus_.call(AtspiBus::method(area.bar, "Accessible", "GetChildren")));
-    if (!children || children->empty()) {
-        return AXError::failure;
-    }
-    const auto answers = bus_.callAll({AtspiBus::extents(area.bar), AtspiBus::extents(children->front())});
-    const auto document = AtspiReply::extents(answers[0]);
-    const auto first = AtspiReply::extents(answers[1]);
-    if (!document || !first) {
-        return AXError::failure;
+int AtspiBars::writeDocument(const AtspiScrollArea& area, double value) {
+    const Document document = readDocument(area);
+    if (document.range.error != AXError::success) {
+        return document.range.error;
     }
     constexpr std::uint32_t screenCoordinates = 0;
-    const int y = document->y + static_cast<int>(std::lround(documentMargin - value * range.maximum));
-    const QDBusMessage reply = bus_.call(
-        AtspiBus::method(children->front(), "Component", "ScrollToPoint", {screenCoordinates, first->x, y}));
+    const double moved = value * document.range.maximum - document.range.current;
+    const int y = document.extents.y - static_cast<int>(std::lround(moved));
+    const QDBusMessage reply = bus_.call(AtspiBus::method(document.content, "Component", "ScrollToPoint",
+                                                          {screenCoordinates, document.extents.x, y}));
     const int error = AtspiReply::error(reply);
     const bool isDone = error == AXError::success && reply.arguments().value(0).toBool();
     return error != AXError::success ? error : isDone ? AXError::success : AXError::failure;

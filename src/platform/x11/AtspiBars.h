@@ -35,6 +35,12 @@ class AtspiBars {
 
         [[nodiscard]] double normalised() const;
     };
+    // A page's headers may stay in place; what scrolls is its tallest part.
+    struct Document {
+        Range range;
+        AtspiRef content;
+        AtspiExtents extents; // of the content
+    };
     struct End {
         double maximum = 0; // what the bar said then
         double end = 0;
@@ -42,10 +48,10 @@ class AtspiBars {
     };
 
     [[nodiscard]] Range readRange(const AtspiScrollArea& area);
-    [[nodiscard]] Range readDocument(const AtspiScrollArea& area);
+    [[nodiscard]] Document readDocument(const AtspiScrollArea& area);
     int writeValue(const AtspiScrollArea& area, const Range& before, double value);
     int writeByActions(const AtspiScrollArea& area, Range range, double value);
-    int writeDocument(const AtspiScrollArea& area, const Range& range, double value);
+    int writeDocument(const AtspiScrollArea& area, double value);
     void learnEnd(const AtspiScrollArea& area, const Range& before, double wanted);
 
     AtspiBus& bus_;

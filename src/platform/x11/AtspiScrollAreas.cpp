@@ -31,6 +31,8 @@ constexpr int maximumDepth = 24; // toolkits nest twice as deep as what the user
 constexpr std::size_t maximumNodes = 4000;
 constexpr std::size_t maximumAreas = 8;
 constexpr double frameTolerance = 5.0;
+// Line up, line down, page up, page down: LibreOffice, whose bars jump to the start at any Value.
+constexpr double stepActions = 4;
 
 struct Node {
     AtspiRef ref;
@@ -42,7 +44,6 @@ struct Window {
     AtspiRef ref;
     Point offset;                  // from the toolkit's coordinates to root coordinates
     std::uint64_t shownStates = 0; // that an area has when it is shown
-    AtspiDrive drive = AtspiDrive::value;
 };
 
 bool isNear(const AtspiExtents& extents, Rect rect) {
@@ -106,9 +107,11 @@ const Candidate* matchBySize(const std::vector<Candidate>& all, const AtspiTarge
 
 std::optional<Window> findWindow(AtspiBus& bus, const AtspiTarget& target) {
     const auto all = candidates(bus, target.pid);
+    // Chromium takes its frame's corner for its own until it is moved.
+    const Rect displaced{target.frame.x, target.frame.y, target.client.width, target.client.height};
     const auto inPlace = std::ranges::find_if(all, [&](const Candidate& one) {
         return isNear(*one.extents, target.client) || isNear(*one.extents, target.frame) ||
-               isNear(*one.extents, target.bounds);
+               isNear(*one.extents, target.bounds) || isNear(*one.extents, displaced);
     });
     const Candidate* found = inPlace != all.end() ? &*inPlace : matchBySize(all, target);
     if (found == nullptr) {
@@ -121,7 +124,6 @@ std::optional<Window> findWindow(AtspiBus& bus, const AtspiTarget& target) {
         AtspiReply::text(bus.call(AtspiBus::property(found->application, "Application", "ToolkitName")));
     // GTK 4 says of windows only that they are showing.
     window.shownStates = toolkit == QStringLiteral("GTK") ? stateVisible : stateShowing;
-    window.drive = toolkit == QStringLiteral("VCL") ? AtspiDrive::actions : AtspiDrive::value;
     return window;
 }
 
@@ -192,10 +194,10 @@ std::optional<AtspiScrollArea> describe(AtspiBus& bus, const Window& window, con
     AtspiScrollArea found;
     found.area = isDocument ? node.ref : areaOf(nodes, node);
     found.bar = node.ref;
-    found.drive = isDocument ? AtspiDrive::document : window.drive;
     const auto answers = bus.callAll({AtspiBus::extents(found.area), AtspiBus::extents(node.ref),
                                       AtspiBus::method(found.area, "Accessible", "GetState"),
-                                      AtspiBus::method(node.ref, "Accessible", "GetState")});
+                                      AtspiBus::method(node.ref, "Accessible", "GetState"),
+                                      AtspiBus::property(node.ref, "Action", "NActions")});
     const auto extents = AtspiReply::extents(answers[0]);
     const auto barExtents = AtspiReply::extents(answers[1]);
     const auto areaStates = AtspiReply::states(answers[2]);
@@ -208,6 +210,7 @@ std::optional<AtspiScrollArea> describe(AtspiBus& bus, const Window& window, con
     found.frame = {extents->x + window.offset.x, extents->y + window.offset.y, double(extents->width),
                    double(extents->height)};
     if (isDocument) {
+        found.drive = AtspiDrive::document;
         return found;
     }
     const std::uint64_t states = barStates.value_or(0);
@@ -218,6 +221,9 @@ std::optional<AtspiScrollArea> describe(AtspiBus& bus, const Window& window, con
     const auto holder = valueHolder(bus, node.ref);
     if (!holder) {
         return std::nullopt;
+    }
+    if (AtspiReply::real(answers[4]) == stepActions) {
+        found.drive = AtspiDrive::actions;
     }
     // Actions are the bar's own in any case.
     found.bar = found.drive == AtspiDrive::value ? holder->first : node.ref;

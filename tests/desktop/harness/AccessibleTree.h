@@ -16,6 +16,7 @@ namespace skylet::desktop {
 
 // Roles and states by the numbers of the protocol (AtspiRole, AtspiStateType).
 constexpr unsigned roleCheckBox = 7;
+constexpr unsigned roleDocumentWeb = 95;
 constexpr int stateChecked = 4;
 constexpr int stateFocusable = 11;
 constexpr int stateShowing = 25;

@@ -152,14 +152,20 @@ std::string nameOf(Toolkit toolkit) {
     return names[static_cast<std::size_t>(toolkit)];
 }
 
-InputProbe::InputProbe(VirtualDesktop& desktop, Toolkit toolkit)
+InputProbe::InputProbe(VirtualDesktop& desktop, Toolkit toolkit, bool accessible)
     : desktop_(desktop)
     , toolkit_(toolkit)
     , words_(wordsOf(toolkit)) {
     if (toolkit == Toolkit::firefox) {
         prepareFirefox(desktop.path("firefox"));
     }
-    process_ = desktop.start(commandOf(toolkit, desktop), nameOf(toolkit) + ".err");
+    Command command = commandOf(toolkit, desktop);
+    if (accessible && toolkit == Toolkit::chromium) {
+        command.emplace_back("--force-renderer-accessibility");
+    } else if (accessible && toolkit == Toolkit::firefox) {
+        command.insert(command.begin(), {"env", "GNOME_ACCESSIBILITY=1"});
+    }
+    process_ = desktop.start(command, nameOf(toolkit) + ".err");
     if (toolkit == Toolkit::raw) {
         process_.write("window 100 90 480 320 title=target\n");
         (void)process_.readLine();

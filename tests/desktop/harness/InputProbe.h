@@ -31,7 +31,8 @@ struct ProbeWords {
 
 class InputProbe {
   public:
-    InputProbe(VirtualDesktop& desktop, Toolkit toolkit);
+    // Browsers show accessibility their pages only when told to.
+    InputProbe(VirtualDesktop& desktop, Toolkit toolkit, bool accessible = false);
 
     [[nodiscard]] Window window() const { return window_; }
     [[nodiscard]] Process& process() { return process_; }

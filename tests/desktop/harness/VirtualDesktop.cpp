@@ -109,10 +109,17 @@ bool VirtualDesktop::startSessionBus() {
 }
 
 bool VirtualDesktop::enableAccessibility() {
-    return run({"dbus-send", "--session", "--print-reply=literal", "--reply-timeout=20000",
-                "--dest=org.a11y.Bus", "/org/a11y/bus", "org.freedesktop.DBus.Properties.Set",
-                "string:org.a11y.Status", "string:IsEnabled", "variant:boolean:true"},
-               environment_) == 0;
+    const auto asks = [&](const Command& question) {
+        Command command{
+            "dbus-send",           "--session",    "--print-reply=literal", "--reply-timeout=20000",
+            "--dest=org.a11y.Bus", "/org/a11y/bus"};
+        command.insert(command.end(), question.begin(), question.end());
+        return run(command, environment_) == 0;
+    };
+    // Its address is given out once it takes connections; Qt 5 tries only once.
+    return asks({"org.freedesktop.DBus.Properties.Set", "string:org.a11y.Status", "string:IsEnabled",
+                 "variant:boolean:true"}) &&
+           asks({"org.a11y.Bus.GetAddress"});
 }
 
 void VirtualDesktop::killAccessibilityBus() {
