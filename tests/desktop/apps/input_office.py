@@ -67,13 +67,15 @@ def connect():
 
 
 office = subprocess.Popen([
-    "soffice", "--nologo", "--norestore", "--nodefault", "--nofirststartwizard", "--nolockcheck",
+    "soffice", "--writer", "--nologo", "--norestore", "--nofirststartwizard", "--nolockcheck",
     "-env:UserInstallation=file://" + FOLDER, "--accept=pipe,name=" + PIPE + ";urp;"],
     start_new_session=True)
 signal.signal(signal.SIGTERM, lambda *_: (os.killpg(office.pid, signal.SIGKILL), sys.exit()))
 context = connect()
 desktop = context.ServiceManager.createInstanceWithContext("com.sun.star.frame.Desktop", context)
-document = desktop.loadComponentFromURL("private:factory/swriter", "_blank", 0, ())
+# The office opens the document by itself: asked to from here, it now and then waits for itself forever.
+while not (document := desktop.CurrentComponent):
+    time.sleep(0.05)
 document.Text.setString("mirror window pinned floating panel\n" * 200)
 controller = document.CurrentController
 controller.ViewSettings.ShowOnlineLayout = True
