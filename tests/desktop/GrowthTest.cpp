@@ -5,6 +5,13 @@
 namespace skylet::desktop {
 namespace {
 
+// A sanitizer keeps for a while what was let go of.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool tellsMemory = false;
+#else
+constexpr bool tellsMemory = true;
+#endif
+
 class FullGrowthTest : public DesktopTest {};
 
 TEST_F(FullGrowthTest, FiveHundredPinsLeaveNothing) {
@@ -52,7 +59,9 @@ TEST_F(FullGrowthTest, FiveHundredPinsLeaveNothing) {
         EXPECT_EQ(number, before == resources.end() ? 0 : before->second) << kind;
     }
     EXPECT_EQ(skylet().openDescriptors(), descriptors);
-    EXPECT_LE(skylet().proportionalMemory(), memory + allowedMemory);
+    if (tellsMemory) {
+        EXPECT_LE(skylet().proportionalMemory(), memory + allowedMemory);
+    }
 }
 
 } // namespace

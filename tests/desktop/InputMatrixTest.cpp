@@ -237,13 +237,7 @@ std::vector<Cell> theRest() {
             }
         }
     }
-    // There the office keeps its own size and place, which do not fit under the cover.
-    const std::vector unplaced{WindowManagerKind::none, WindowManagerKind::i3, WindowManagerKind::xfwm4,
-                               WindowManagerKind::xfwm4Following};
-    std::erase_if(result, [&](const Cell& one) {
-        return std::ranges::count(small, one) > 0 ||
-               (one.toolkit == Toolkit::office && std::ranges::count(unplaced, one.windowManager) > 0);
-    });
+    std::erase_if(result, [&](const Cell& one) { return std::ranges::count(small, one) > 0; });
     return result;
 }
 

@@ -191,6 +191,13 @@ InputProbe::InputProbe(VirtualDesktop& desktop, Toolkit toolkit, bool accessible
     }
     if (toolkit == Toolkit::office) {
         (void)says("ready");
+        // Where nobody decorates or floats windows the office keeps a size of its own.
+        const Rectangle place{100, 90, 640, 480};
+        (void)eventually([&] {
+            desktop_.x().moveResize(window_, place);
+            const auto now = desktop_.x().geometry(window_).value_or(Rectangle{});
+            return now.width == place.width && now.height == place.height;
+        });
     }
     // Toolkits paint some time after they map; text is what they paint last.
     (void)eventually([&] {
