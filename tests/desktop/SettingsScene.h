@@ -29,9 +29,10 @@ constexpr xcb_keysym_t keyReturn = 0xFF0D, keyEscape = 0xFF1B, keyTab = 0xFF09, 
 
 class SettingsScene : public DesktopTest {
   protected:
-    void SetUp() override {
-        DesktopOptions options;
-        options.height = 1300; // all of the window at once
+    // The screen shows all of the settings window at once.
+    void SetUp() override { PREPARE(openScene({.height = 1300})); }
+    void openScene(const DesktopOptions& options) {
+        tree_.reset();
         PREPARE(openDesktop(options));
         tree_ = std::make_unique<AccessibleTree>(desktop());
     }
@@ -61,12 +62,20 @@ class SettingsScene : public DesktopTest {
     }
     void openSettings() {
         openWindow("settings", settingsTitle);
-        ASSERT_TRUE(eventually([&] { return node(loginTitle).has_value(); }));
+        ASSERT_TRUE(comesToShow(loginTitle));
     }
     [[nodiscard]] Window settings() { return windowTitled(settingsTitle).value_or(XCB_NONE); }
 
+    void closeByEscape() {
+        x().press(keyEscape);
+        EXPECT_TRUE(eventually([&] { return settings() == XCB_NONE; }));
+    }
+
     [[nodiscard]] std::optional<AccessibleNode> node(const std::string& name) {
         return tree_->find("Skylet", name);
+    }
+    [[nodiscard]] bool comesToShow(const std::string& name) {
+        return eventually([&] { return shows(name); });
     }
     [[nodiscard]] bool shows(const std::string& name) { return node(name).has_value(); }
     void click(const std::string& name) {
@@ -82,19 +91,13 @@ class SettingsScene : public DesktopTest {
         const std::size_t before = skylet().overlays().size(); // a list is as unmanaged as an overlay
         click(present);
         ASSERT_TRUE(eventually([&] { return skylet().overlays().size() == before + 1; }));
-        x().press(key, {});
-        x().press(keyReturn, {});
+        x().press(key);
+        x().press(keyReturn);
         ASSERT_TRUE(eventually([&] { return skylet().overlays().size() == before; }));
-    }
-    // Another program takes the key for itself.
-    void grab(xcb_keysym_t key, std::uint16_t modifiers) {
-        xcb_grab_key(x().connection(), 0, x().root(), modifiers, x().keycode(key), XCB_GRAB_MODE_ASYNC,
-                     XCB_GRAB_MODE_ASYNC);
-        x().sync();
     }
     void startRecording() {
         click(changeButton);
-        ASSERT_TRUE(eventually([&] { return shows(cancelButton); }));
+        ASSERT_TRUE(comesToShow(cancelButton));
     }
     [[nodiscard]] bool toggles(const std::function<void()>& press) {
         const int before = skylet().count("togglePin: ");

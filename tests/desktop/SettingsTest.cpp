@@ -81,9 +81,8 @@ TEST_F(SettingsTest, OpenOverlaysFollow) {
 
     PREPARE(click(forwardTitle));
     ASSERT_TRUE(stores("forwardEvents=false"));
-    const auto place = x().geometry(skylet().overlayInFront().value_or(XCB_NONE));
-    ASSERT_TRUE(place);
-    x().click(place->x + place->width / 2, place->y + place->height / 2);
+    const Rectangle place = overlayPlace();
+    x().click(place.x + place.width / 2, place.y + place.height / 2);
     EXPECT_TRUE(eventually([&] { return x().activeWindow() == target; }));
 }
 
@@ -99,25 +98,19 @@ TEST_F(SettingsTest, PermissionsAreShownLive) {
     constexpr const char* allow = "Consenti accesso — Accessibilità";
     EXPECT_FALSE(shows(allow));
     ASSERT_TRUE(setAccessibility("false"));
-    EXPECT_TRUE(eventually([&] { return shows(allow); }));
+    EXPECT_TRUE(comesToShow(allow));
     // The button is the user's own word.
     PREPARE(click(allow));
     EXPECT_TRUE(eventually([&] { return !shows(allow); }));
 }
 
 TEST_F(SettingsTest, OpensWithThePointerAndFindsItsWayBack) {
-    DesktopOptions options;
-    options.twoMonitors = true; // side by side, 640 wide each
-    options.height = 800;
-    tree_.reset();
-    PREPARE(openDesktop(options));
-    tree_ = std::make_unique<AccessibleTree>(desktop());
+    PREPARE(openScene({.height = 800, .twoMonitors = true})); // side by side, 640 wide each
     PREPARE(launch());
     x().movePointer(1000, 300);
     PREPARE(openSettings());
     const auto place = [&] {
-        const Rectangle frame = x().geometry(settings()).value_or(Rectangle{});
-        return frame;
+        return x().geometry(settings()).value_or(Rectangle{});
     };
     EXPECT_GE(place().x, 640) << place();
     EXPECT_LE(place().height, 640) << place();
@@ -137,8 +130,7 @@ TEST_F(SettingsTest, ComesToTheDesktopAndMonitorOfTheUser) {
     EXPECT_EQ(settings(), window);
     EXPECT_EQ(x().numbers(window, "_NET_WM_DESKTOP"), std::vector<std::uint32_t>{0});
     EXPECT_EQ(x().numbers(x().root(), "_NET_CURRENT_DESKTOP"), std::vector<std::uint32_t>{0});
-    x().press(keyEscape, {});
-    ASSERT_TRUE(eventually([&] { return settings() == XCB_NONE; }));
+    PREPARE(closeByEscape());
     x().switchDesktop(2);
     PREPARE(openSettings());
     EXPECT_EQ(x().numbers(settings(), "_NET_WM_DESKTOP"), std::vector<std::uint32_t>{2});
@@ -147,13 +139,7 @@ TEST_F(SettingsTest, ComesToTheDesktopAndMonitorOfTheUser) {
 // Window managers differ in whom they let come forward, and in which keys they keep for themselves.
 class SettingsUnderManagersTest : public SettingsTest, public testing::WithParamInterface<WindowManagerKind> {
   protected:
-    void SetUp() override {
-        DesktopOptions options;
-        options.windowManager = GetParam();
-        options.height = 1300;
-        PREPARE(openDesktop(options));
-        tree_ = std::make_unique<AccessibleTree>(desktop());
-    }
+    void SetUp() override { PREPARE(openScene({.windowManager = GetParam(), .height = 1300})); }
 };
 
 TEST_P(SettingsUnderManagersTest, OpensRecordsClosesAndComesBack) {
@@ -164,13 +150,12 @@ TEST_P(SettingsUnderManagersTest, OpensRecordsClosesAndComesBack) {
     PREPARE(openSettings());
     PREPARE(startRecording());
     x().press(keyTab, {Modifier::alt}); // the manager's own
-    EXPECT_TRUE(eventually([&] { return shows("⌥⇥"); }));
+    EXPECT_TRUE(comesToShow("⌥⇥"));
     EXPECT_TRUE(stores("shortcutKeyCode=48"));
     // It is said in both places, or the key could be had.
     expectedErrors_ = skylet().errorOutput();
     EXPECT_EQ(shows(shortcutTaken), !expectedErrors_.empty());
-    x().press(keyEscape, {});
-    ASSERT_TRUE(eventually([&] { return settings() == XCB_NONE; }));
+    PREPARE(closeByEscape());
 
     if (x().numbers(x().root(), "_NET_NUMBER_OF_DESKTOPS") < std::vector<std::uint32_t>{2}) {
         return;
@@ -201,8 +186,8 @@ TEST_F(SettingsTest, AboutOpensOnceAndClosesByEscape) {
     PREPARE(openWindow("about", "Informazioni su Skylet"));
     PREPARE(openWindow("about", "Informazioni su Skylet"));
     EXPECT_EQ(x().windowsOf(skylet().process().pid()).size(), 1U);
-    EXPECT_TRUE(eventually([&] { return shows("Realizzato per Corvane"); }));
-    x().press(keyEscape, {});
+    EXPECT_TRUE(comesToShow("Realizzato per Corvane"));
+    x().press(keyEscape);
     EXPECT_TRUE(eventually([&] { return !windowTitled("Informazioni su Skylet"); }));
 }
 

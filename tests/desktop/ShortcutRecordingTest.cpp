@@ -4,32 +4,44 @@
 namespace skylet::desktop {
 namespace {
 
-class ShortcutRecordingTest : public SettingsScene {};
+class ShortcutRecordingTest : public SettingsScene {
+  protected:
+    void pressNew() { x().press('k', {Modifier::control, Modifier::alt}); }
+    void expectTaken(const std::string& shortcut) {
+        expectedErrors_ = "skylet: another program holds the shortcut " + shortcut +
+                          ": choose another one with the preferences keys shortcutKeyCode and "
+                          "shortcutModifiers in skylet.conf, or close that program.\n";
+    }
+    // Another one than that which is taken.
+    void recordNew() {
+        PREPARE(startRecording());
+        pressNew();
+        EXPECT_TRUE(eventually([&] { return shows("⌃⌥K") && !shows(shortcutTaken); }));
+    }
+    void openTargetAndSettings() {
+        PREPARE(openPuppet());
+        target_ = puppet().open("20 40 300 200 title=target");
+        PREPARE(launch());
+        PREPARE(openSettings());
+    }
+};
 
 TEST_F(ShortcutRecordingTest, ARecordedShortcutIsInForceAtOnce) {
-    PREPARE(openPuppet());
-    const Window target = puppet().open("20 40 300 200 title=target");
-    PREPARE(launch());
-    PREPARE(openSettings());
-    const auto pressNew = [&] {
-        x().press('k', {Modifier::control, Modifier::alt});
-    };
-    PREPARE(startRecording());
-    pressNew();
+    PREPARE(openTargetAndSettings());
+    PREPARE(recordNew());
     EXPECT_TRUE(stores("shortcutKeyCode=40"));
     EXPECT_TRUE(stores("shortcutModifiers=786432"));
-    EXPECT_TRUE(eventually([&] { return shows("⌃⌥K"); }));
     EXPECT_EQ(skylet().count("togglePin: "), 0);
-    PREPARE(bringToFront(target));
-    EXPECT_TRUE(toggles(pressNew));
+    PREPARE(bringToFront(target_));
+    EXPECT_TRUE(toggles([&] { pressNew(); }));
     skylet().pressShortcut(); // the old one
-    EXPECT_TRUE(toggles(pressNew));
+    EXPECT_TRUE(toggles([&] { pressNew(); }));
 
     // The shortcut in force is recorded, not carried out.
     PREPARE(bringToFront(settings()));
     PREPARE(startRecording());
     pressNew();
-    EXPECT_TRUE(eventually([&] { return shows(changeButton); }));
+    EXPECT_TRUE(comesToShow(changeButton));
     EXPECT_EQ(skylet().count("togglePin: "), 2);
 
     // Keys that work in windows, on a keyboard of another layout.
@@ -45,56 +57,40 @@ TEST_F(ShortcutRecordingTest, ARecordedShortcutIsInForceAtOnce) {
 }
 
 TEST_F(ShortcutRecordingTest, LeavingWhileItRecordsRestoresTheShortcut) {
-    PREPARE(openPuppet());
-    const Window target = puppet().open("20 40 300 200 title=target");
-    PREPARE(launch());
-    PREPARE(openSettings());
+    PREPARE(openTargetAndSettings());
     PREPARE(startRecording());
-    x().press(keyEscape, {});
-    EXPECT_TRUE(eventually([&] { return shows(changeButton); }));
+    x().press(keyEscape);
+    EXPECT_TRUE(comesToShow(changeButton));
     PREPARE(startRecording());
     x().close(settings());
     EXPECT_TRUE(eventually([&] { return settings() == XCB_NONE; }));
-    PREPARE(bringToFront(target));
+    PREPARE(bringToFront(target_));
     EXPECT_TRUE(toggles([&] { skylet().pressShortcut(); }));
     PREPARE(openSettings());
     EXPECT_TRUE(shows(changeButton));
-    x().press(keyEscape, {});
-    EXPECT_TRUE(eventually([&] { return settings() == XCB_NONE; }));
+    closeByEscape();
 }
 
 TEST_F(ShortcutRecordingTest, AShortcutThatAnotherProgramHoldsIsSaid) {
-    expectedErrors_ = "skylet: another program holds the shortcut Control+Alt+J: choose another one with the "
-                      "preferences keys shortcutKeyCode and shortcutModifiers in skylet.conf, or close that "
-                      "program.\n";
+    expectTaken("Control+Alt+J");
     PREPARE(launch());
-    grab('j', XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1);
+    ASSERT_TRUE(x().grabKey('j', XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1));
     PREPARE(openSettings());
     PREPARE(startRecording());
     x().press('j', {Modifier::control, Modifier::alt});
-    EXPECT_TRUE(eventually([&] { return shows(shortcutTaken); }));
+    EXPECT_TRUE(comesToShow(shortcutTaken));
     EXPECT_TRUE(shows("⌃⌥J"));
-    PREPARE(startRecording());
-    x().press('k', {Modifier::control, Modifier::alt});
-    EXPECT_TRUE(eventually([&] { return shows("⌃⌥K") && !shows(shortcutTaken); }));
+    PREPARE(recordNew());
 }
 
 TEST_F(ShortcutRecordingTest, AShortcutThatIsTakenAtTheStartIsReplacedAtOnce) {
-    expectedErrors_ =
-        "skylet: another program holds the shortcut Control+Super+P: choose another one with the "
-        "preferences keys shortcutKeyCode and shortcutModifiers in skylet.conf, or close that "
-        "program.\n";
-    PREPARE(openPuppet());
-    const Window target = puppet().open("20 40 300 200 title=target");
-    grab('p', XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_4);
-    PREPARE(launch());
-    PREPARE(openSettings());
+    expectTaken("Control+Super+P");
+    ASSERT_TRUE(x().grabKey('p', XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_4));
+    PREPARE(openTargetAndSettings());
     EXPECT_TRUE(shows(shortcutTaken));
-    PREPARE(startRecording());
-    x().press('k', {Modifier::control, Modifier::alt});
-    EXPECT_TRUE(eventually([&] { return shows("⌃⌥K") && !shows(shortcutTaken); }));
-    PREPARE(bringToFront(target));
-    EXPECT_TRUE(toggles([&] { x().press('k', {Modifier::control, Modifier::alt}); }));
+    PREPARE(recordNew());
+    PREPARE(bringToFront(target_));
+    EXPECT_TRUE(toggles([&] { pressNew(); }));
 }
 
 } // namespace

@@ -46,6 +46,13 @@ class SkyletProgram {
     // The only overlay shows exactly the target's present picture, at 1:1, and in the same place if asked.
     [[nodiscard]] bool mirrors(Window target) const;
 
+    // Its red icon in a panel at the screen's lower edge.
+    struct Icon {
+        int pixels = 0;
+        Rectangle place;
+    };
+    [[nodiscard]] Icon icon() const;
+
     [[nodiscard]] long proportionalMemory() const; // kB
     [[nodiscard]] int openDescriptors() const;
 

@@ -42,7 +42,7 @@ class VirtualDesktop {
     bool changeWindowManager(WindowManagerKind kind);
     // A compositor beside the window manager.
     bool startCompositor();
-    void stopCompositor();
+    void stopCompositor() { compositor_.stop(); }
     [[nodiscard]] Process& sessionBus() { return sessionBus_; }
     void killAccessibilityBus();
     void killServer() { server_.signal(9); }

@@ -22,12 +22,13 @@
 
 namespace {
 
+using namespace Qt::StringLiterals;
 using skylet::platform::qt::DBusMenuLayout;
 
-const auto watcherName = QStringLiteral("org.kde.StatusNotifierWatcher");
-const auto itemInterface = QStringLiteral("org.kde.StatusNotifierItem");
-const auto propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
-const auto menuInterface = QStringLiteral("com.canonical.dbusmenu");
+const auto watcherName = u"org.kde.StatusNotifierWatcher"_s;
+const auto itemInterface = u"org.kde.StatusNotifierItem"_s;
+const auto propertiesInterface = u"org.freedesktop.DBus.Properties"_s;
+const auto menuInterface = u"com.canonical.dbusmenu"_s;
 
 class Host : public QDBusVirtualObject {
   public:
@@ -37,19 +38,19 @@ class Host : public QDBusVirtualObject {
         owners_.setWatchMode(QDBusServiceWatcher::WatchForUnregistration);
         connect(&owners_, &QDBusServiceWatcher::serviceUnregistered, this,
                 [this](const QString& service) { items_.removeAll(service); });
-        bus_.registerVirtualObject(QStringLiteral("/StatusNotifierWatcher"), this);
+        bus_.registerVirtualObject(u"/StatusNotifierWatcher"_s, this);
         bus_.registerService(watcherName);
     }
 
     [[nodiscard]] QString introspect(const QString& /*path*/) const override { return {}; }
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
         QVariantList reply;
-        if (message.member() == QStringLiteral("RegisterStatusNotifierItem")) {
+        if (message.member() == u"RegisterStatusNotifierItem"_s) {
             const QString service = message.arguments().value(0).toString();
             items_.removeAll(service);
             items_ << service;
             owners_.addWatchedService(service);
-        } else if (message.member() == QStringLiteral("Get")) {
+        } else if (message.member() == u"Get"_s) {
             reply << QVariant::fromValue(QDBusVariant(true)); // a host is registered
         }
         connection.send(message.createReply(reply));
@@ -57,22 +58,22 @@ class Host : public QDBusVirtualObject {
     }
 
     [[nodiscard]] QString answer(const QString& command) {
-        if (command == QStringLiteral("items")) {
+        if (command == u"items"_s) {
             return QString::number(items_.size());
         }
         if (items_.isEmpty()) {
-            return QStringLiteral("no item");
+            return u"no item"_s;
         }
-        if (command == QStringLiteral("tooltip")) {
-            const QVariant value = property(QStringLiteral("ToolTip"));
+        if (command == u"tooltip"_s) {
+            const QVariant value = property(u"ToolTip"_s);
             return qdbus_cast<skylet::platform::qt::StatusNotifierToolTip>(value.value<QDBusArgument>())
                 .title;
         }
-        if (command == QStringLiteral("menu")) {
+        if (command == u"menu"_s) {
             return openMenu();
         }
-        const auto click = QStringLiteral("click ");
-        return command.startsWith(click) ? choose(command.mid(click.size())) : QStringLiteral("what?");
+        const auto click = u"click "_s;
+        return command.startsWith(click) ? choose(command.mid(click.size())) : u"what?"_s;
     }
 
   private:
@@ -83,17 +84,17 @@ class Host : public QDBusVirtualObject {
         return bus_.call(message);
     }
     [[nodiscard]] QVariant property(const QString& name) {
-        const auto reply = call(QStringLiteral("/StatusNotifierItem"), propertiesInterface,
-                                QStringLiteral("Get"), {itemInterface, name});
+        const auto reply =
+            call(u"/StatusNotifierItem"_s, propertiesInterface, u"Get"_s, {itemInterface, name});
         return reply.arguments().value(0).value<QDBusVariant>().variant();
     }
     [[nodiscard]] QDBusMessage callMenu(const QString& method, const QVariantList& arguments) {
-        const auto path = property(QStringLiteral("Menu")).value<QDBusObjectPath>().path();
+        const auto path = property(u"Menu"_s).value<QDBusObjectPath>().path();
         return call(path, menuInterface, method, arguments);
     }
     [[nodiscard]] QString openMenu() {
-        static_cast<void>(callMenu(QStringLiteral("AboutToShow"), {0}));
-        const auto reply = callMenu(QStringLiteral("GetLayout"), {0, -1, QStringList()});
+        static_cast<void>(callMenu(u"AboutToShow"_s, {0}));
+        const auto reply = callMenu(u"GetLayout"_s, {0, -1, QStringList()});
         menu_ = qdbus_cast<DBusMenuLayout>(reply.arguments().value(1).value<QDBusArgument>());
         QStringList items;
         for (const DBusMenuLayout& item : menu_.children) {
@@ -102,29 +103,25 @@ class Host : public QDBusVirtualObject {
         return items.join(u'|');
     }
     [[nodiscard]] static QString labelOf(const DBusMenuLayout& item) {
-        return item.properties.value(QStringLiteral("label"))
-            .toString()
-            .replace(QStringLiteral("__"), QStringLiteral("_"));
+        return item.properties.value(u"label"_s).toString().replace(u"__"_s, u"_"_s);
     }
     [[nodiscard]] static QString textOf(const DBusMenuLayout& item) {
-        if (item.properties.value(QStringLiteral("type")).toString() == QStringLiteral("separator")) {
-            return QStringLiteral("-");
+        if (item.properties.value(u"type"_s).toString() == u"separator"_s) {
+            return u"-"_s;
         }
-        const bool isOn = item.properties.value(QStringLiteral("toggle-state")).toInt() == 1;
-        const QString text = (isOn ? QStringLiteral("*") : QString()) + labelOf(item);
-        return item.properties.value(QStringLiteral("enabled"), true).toBool() ? text : u'(' + text + u')';
+        const bool isOn = item.properties.value(u"toggle-state"_s).toInt() == 1;
+        const QString text = (isOn ? u"*"_s : QString()) + labelOf(item);
+        return item.properties.value(u"enabled"_s, true).toBool() ? text : u'(' + text + u')';
     }
     [[nodiscard]] QString choose(const QString& label) {
         for (const DBusMenuLayout& item : menu_.children) {
             if (labelOf(item) == label) {
-                const auto reply =
-                    callMenu(QStringLiteral("Event"), {item.id, QStringLiteral("clicked"),
-                                                       QVariant::fromValue(QDBusVariant(QString())), 0U});
-                return reply.type() == QDBusMessage::ReplyMessage ? QStringLiteral("ok")
-                                                                  : reply.errorMessage();
+                const auto reply = callMenu(
+                    u"Event"_s, {item.id, u"clicked"_s, QVariant::fromValue(QDBusVariant(QString())), 0U});
+                return reply.type() == QDBusMessage::ReplyMessage ? u"ok"_s : reply.errorMessage();
             }
         }
-        return QStringLiteral("no such item");
+        return u"no such item"_s;
     }
 
     QDBusConnection bus_;
