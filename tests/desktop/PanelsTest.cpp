@@ -50,7 +50,6 @@ constexpr xcb_keysym_t enter = 0xFF0D;
 class PanelsTest : public DesktopTest {
   protected:
     void SetUp() override {
-        other_.reset();
         PREPARE(openDesktop());
         writeFile(desktop().configPath("xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml"), xfceSettings);
         writeFile(desktop().configPath("lxqt/panel.conf"), lxqtSettings);
@@ -96,29 +95,34 @@ class PanelsTest : public DesktopTest {
     // Chooses the item with this number, counted without separators and disabled ones.
     void choose(int number) {
         for (int i = 0; i < number; ++i) {
-            x().press(down, {});
+            x().press(down);
         }
-        x().press(enter, {});
+        x().press(enter);
         ASSERT_TRUE(menuIs(false));
     }
     // The program looks at a new window in front a moment later, and nothing tells when its menu has it.
     [[nodiscard]] bool isRemembered(Window window) {
         return throughout(std::chrono::milliseconds(400), [&] { return x().activeWindow() == window; });
     }
-    void usePanel() {
-        ASSERT_TRUE(iconAppears());
+    void pinByMenu(Window window) {
         PREPARE(bringToFront(cover_));
-        PREPARE(bringToFront(target_));
+        PREPARE(bringToFront(window));
         PREPARE(openWithPointer(1));
-        x().press(escape, {});
+        x().press(escape);
         ASSERT_TRUE(menuIs(false));
-        ASSERT_TRUE(isRemembered(target_));
-        const int outline = redPixels();
-        const std::string pinned = "pin: overlay created for wid=" + std::to_string(target_);
+        ASSERT_TRUE(isRemembered(window));
+        const std::string pinned = "pin: overlay created for wid=" + std::to_string(window);
         const int before = skylet().count(pinned);
         PREPARE(openWithPointer(1));
         PREPARE(choose(3));
         ASSERT_TRUE(skylet().waitForLog(pinned, before + 1));
+    }
+    void usePanel() {
+        ASSERT_TRUE(iconAppears());
+        const int outline = redPixels();
+        const std::string released = "overlay: hideOverlay wid=" + std::to_string(target_);
+        const int before = skylet().count(released);
+        PREPARE(pinByMenu(target_));
         EXPECT_TRUE(eventually([&] { return redPixels() > outline; })) << "filled";
         EXPECT_EQ(x().activeWindow(), target_);
         EXPECT_EQ(x().pidOf(x().inputFocus()), x().pidOf(target_));
@@ -132,7 +136,7 @@ class PanelsTest : public DesktopTest {
         EXPECT_TRUE(eventually([&] { return x().screenshot(overlay) == x().content(target_); }))
             << "the mirror stands still while the menu is open";
         PREPARE(choose(5));
-        EXPECT_TRUE(skylet().waitForLog("overlay: hideOverlay wid=" + std::to_string(target_), before + 1));
+        EXPECT_TRUE(skylet().waitForLog(released, before + 1));
         EXPECT_TRUE(eventually([&] { return redPixels() == outline; })) << "an outline again";
     }
 
@@ -141,49 +145,74 @@ class PanelsTest : public DesktopTest {
     int patterns_ = 10;
 };
 
-TEST_F(PanelsTest, OutlivesTheBus) {
-    struct Case {
-        const char* description;
-        bool hasHost = false;
-        bool hasTray = false;
-    };
-    for (const Case& test : {Case{"a host on the bus", true}, Case{"a tray", false, true}, Case{"neither"}}) {
-        SCOPED_TRACE(test.description);
-        SetUp();
-        Process host;
-        if (test.hasHost) {
-            host = desktop().start({SKYLET_STATUS_HOST});
-        }
-        if (test.hasTray) {
-            startPanel(PanelKind::trayer);
-        }
-        PREPARE(launch());
-        ASSERT_TRUE(!test.hasTray || iconAppears());
-        ASSERT_TRUE(!test.hasHost || eventually([&] {
-            host.write("items\n");
-            return host.readLine() == "1";
-        }));
-        // The toolkit does not survive the end of the bus while it introduces itself to assistive programs.
-        const auto isRunning = [&] {
-            return skylet().process().isRunning();
-        };
-        ASSERT_TRUE(throughout(std::chrono::seconds(1), isRunning));
-        desktop().sessionBus().signal(SIGKILL);
-        ASSERT_TRUE(desktop().sessionBus().waitForExit());
-        // A host that is gone is given up after a second.
-        EXPECT_TRUE(throughout(std::chrono::seconds(2), isRunning));
-        // A tray that comes then serves if it ever could.
-        startPanel(PanelKind::trayer);
-        if (!test.hasHost) {
-            PREPARE(usePanel());
-        }
-        Process second = desktop().start({SKYLET_PROGRAM});
-        EXPECT_EQ(second.waitForExit(), 0);
-        EXPECT_TRUE(skylet().pin(target_));
-        endSkylet();
-        panel_.stop();
+TEST_F(PanelsTest, ManyWindowsOfOneApplication) {
+    constexpr int count = 10;
+    startPanel(PanelKind::trayer);
+    PREPARE(launch());
+    std::vector<Window> windows;
+    for (int number = 0; number < count; ++number) {
+        const std::string place = std::to_string(20 + number * 40) + " " + std::to_string(40 + number * 30);
+        windows.push_back(puppet().open(place + " 330 230 title=number_" + std::to_string(number)));
+        PREPARE(pinByMenu(windows.back()));
     }
+    const auto overlaysAre = [&](std::size_t number) {
+        return eventually([&] { return skylet().overlays().size() == number; });
+    };
+    PREPARE(bringToFront(cover_));
+    EXPECT_TRUE(overlaysAre(count));
+    PREPARE(bringToFront(windows[4]));
+    EXPECT_TRUE(skylet().waitForLog("overlay: sendBehind wid=" + std::to_string(windows[4])));
+    PREPARE(bringToFront(cover_));
+    puppet().tell("destroy " + std::to_string(windows[7]));
+    EXPECT_TRUE(overlaysAre(count - 1));
+    PREPARE(openWithPointer(1));
+    PREPARE(choose(4)); // releases the first window of the list
+    EXPECT_TRUE(skylet().waitForLog("overlay: hideOverlay wid=" + std::to_string(windows[0])));
+    EXPECT_TRUE(overlaysAre(count - 2));
+    PREPARE(openWithPointer(1));
+    PREPARE(choose(12)); // releases all
+    EXPECT_TRUE(overlaysAre(0));
+    PREPARE(openWithPointer(1));
+    PREPARE(choose(5)); // ends the program
+    EXPECT_EQ(skylet().process().waitForExit(), 0);
+    endSkylet();
 }
+
+class BusTest : public PanelsTest, public testing::WithParamInterface<std::optional<PanelKind>> {};
+
+TEST_P(BusTest, ItsEndIsOutlived) {
+    if (GetParam()) {
+        startPanel(*GetParam());
+    }
+    PREPARE(launch());
+    ASSERT_TRUE(!GetParam() || iconAppears());
+    // The toolkit does not survive the end of the bus while it introduces itself to assistive programs.
+    const auto isRunning = [&] {
+        return skylet().process().isRunning();
+    };
+    ASSERT_TRUE(throughout(std::chrono::seconds(1), isRunning));
+    desktop().sessionBus().signal(SIGKILL);
+    ASSERT_TRUE(desktop().sessionBus().waitForExit());
+    // A host that is gone is given up after a second.
+    EXPECT_TRUE(throughout(std::chrono::seconds(2), isRunning));
+    // A tray that comes then serves if it ever could.
+    startPanel(PanelKind::trayer);
+    if (GetParam() != PanelKind::lxqt) {
+        PREPARE(usePanel());
+    }
+    Process second = desktop().start({SKYLET_PROGRAM}, "second.err");
+    EXPECT_EQ(second.waitForExit(), 0);
+    EXPECT_EQ(second.errorOutput(), "");
+    EXPECT_EQ(skylet().count("Launched successfully"), 1);
+    EXPECT_TRUE(skylet().pin(target_));
+}
+
+const auto nameOfPanel = [](const auto& test) {
+    return test.param ? nameOf(*test.param) : std::string("none");
+};
+INSTANTIATE_TEST_SUITE_P(Small, BusTest, testing::Values(std::nullopt, PanelKind::trayer), nameOfPanel);
+// It shows items over the bus.
+INSTANTIATE_TEST_SUITE_P(Full, BusTest, testing::Values(PanelKind::lxqt), nameOfPanel);
 
 class PanelSequenceTest : public PanelsTest, public testing::WithParamInterface<std::vector<PanelKind>> {};
 

@@ -24,8 +24,7 @@ constexpr const char* clearButton = "Rimuovi — Fissa o sblocca la finestra";
 constexpr const char* cancelButton = "Annulla — Fissa o sblocca la finestra";
 constexpr const char* shortcutTaken = "Questa scorciatoia è già usata da un’altra app.";
 
-constexpr xcb_keysym_t keyReturn = 0xFF0D, keyEscape = 0xFF1B, keyTab = 0xFF09, keyHome = 0xFF50,
-                       keyEnd = 0xFF57;
+constexpr xcb_keysym_t keyReturn = 0xFF0D, keyEscape = 0xFF1B, keyTab = 0xFF09, keyEnd = 0xFF57;
 
 class SettingsScene : public DesktopTest {
   protected:

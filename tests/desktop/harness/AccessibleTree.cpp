@@ -84,7 +84,6 @@ AccessibleNode AccessibleTree::read(const Reference& reference) const {
     const QRect place =
         qdbus_cast<QRect>(ask(u"org.a11y.atspi.Component"_s, u"GetExtents"_s, {coordinatesOfScreen}));
     return {.name = reference.name(bus_),
-            .role = ask(accessible, u"GetRole"_s).toUInt(),
             .states = qdbus_cast<QList<uint>>(ask(accessible, u"GetState"_s)),
             .place = {place.x(), place.y(), place.width(), place.height()}};
 }

@@ -15,15 +15,13 @@
 
 namespace skylet::desktop {
 
-// Roles and states by the numbers of the protocol (AtspiRole, AtspiStateType).
-constexpr unsigned roleCheckBox = 7;
+// States by the numbers of the protocol (AtspiStateType).
 constexpr int stateChecked = 4;
 constexpr int stateFocusable = 11;
 constexpr int stateShowing = 25;
 
 struct AccessibleNode {
     std::string name;
-    unsigned role = 0;
     QList<unsigned> states; // two words of bits
     Rectangle place;
 
