@@ -70,7 +70,7 @@ TEST_F(PreferencesTest, DamagedFilesAreSurvived) {
         SCOPED_TRACE(test.description);
         fs::remove_all(folder);
         test.spoil();
-        SkyletProgram program = SkyletProgram::startBare(desktop());
+        SkyletProgram program(desktop(), SkyletProgram::Bare());
         // Without a log the overlay tells that it works.
         EXPECT_TRUE(eventually([&] {
             x().activate(target_);

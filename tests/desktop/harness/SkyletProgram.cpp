@@ -25,7 +25,7 @@ SkyletProgram::SkyletProgram(VirtualDesktop& desktop, Preferences preferences) :
     process_ = desktop.start({SKYLET_BUILD_FOLDER "/skylet"}, "skylet.err");
 }
 
-SkyletProgram::SkyletProgram(VirtualDesktop& desktop, std::nullptr_t)
+SkyletProgram::SkyletProgram(VirtualDesktop& desktop, Bare)
     : desktop_(desktop)
     , process_(desktop.start({SKYLET_BUILD_FOLDER "/skylet"}, "skylet.err")) {
     forgetLog();

@@ -19,7 +19,8 @@ class SkyletProgram {
     // Writes the preferences, with the log switched on, and starts the program.
     explicit SkyletProgram(VirtualDesktop& desktop, Preferences preferences = {});
     // Starts it with the preferences as they are.
-    static SkyletProgram startBare(VirtualDesktop& desktop) { return SkyletProgram(desktop, nullptr); }
+    struct Bare {};
+    SkyletProgram(VirtualDesktop& desktop, Bare);
 
     [[nodiscard]] Process& process() { return process_; }
     [[nodiscard]] std::string errorOutput() const { return process_.errorOutput(); }
@@ -57,8 +58,6 @@ class SkyletProgram {
     [[nodiscard]] int openDescriptors() const;
 
   private:
-    SkyletProgram(VirtualDesktop& desktop, std::nullptr_t);
-
     VirtualDesktop& desktop_;
     Process process_;
     std::size_t skipped_ = 0;

@@ -6,8 +6,6 @@
 #include <xcb/res.h>
 
 #include <algorithm>
-#include <array>
-#include <cstring>
 
 namespace skylet::desktop {
 namespace {
@@ -94,10 +92,9 @@ void XSession::tellRoot(Window window, const std::string& message,
     event.window = window;
     event.type = atom(message);
     std::copy_n(values.begin(), std::min<std::size_t>(values.size(), 5), event.data.data32);
-    std::array<char, 32> bytes{};
-    std::memcpy(bytes.data(), &event, sizeof event);
     xcb_send_event(connection(), 0, root_,
-                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY, bytes.data());
+                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&event));
     sync();
 }
 
@@ -196,17 +193,11 @@ std::vector<Rectangle> XSession::shape(Window window, xcb_shape_sk_t kind) const
 }
 
 Window XSession::topLevelOf(Window window) const {
-    while (true) {
-        const auto tree =
-            own(xcb_query_tree_reply(connection(), xcb_query_tree(connection(), window), nullptr));
-        if (!tree) {
-            return XCB_NONE;
-        }
-        if (tree->parent == root_ || tree->parent == XCB_NONE) {
-            return window;
-        }
-        window = tree->parent;
+    const auto tree = own(xcb_query_tree_reply(connection(), xcb_query_tree(connection(), window), nullptr));
+    if (!tree) {
+        return XCB_NONE;
     }
+    return tree->parent == root_ || tree->parent == XCB_NONE ? window : topLevelOf(tree->parent);
 }
 
 Window XSession::activeWindow() const {
