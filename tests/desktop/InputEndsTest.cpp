@@ -134,6 +134,12 @@ TEST_F(InputEndsTest, AFrozenTargetGetsNothingAndTakesNothing) {
     x().click(spot(0, 0).first, spot(0, 0).second);
     EXPECT_TRUE(throughout(std::chrono::milliseconds(600), [&] { return x().activeWindow() == cover_; }));
     expectUsable();
+    // The program goes on without it.
+    const std::string line = "overlay: reasserting front order wid=";
+    EXPECT_TRUE(skylet().waitForLog(line, skylet().count(line) + 4));
+    EXPECT_TRUE(floatsOver(target_));
+    skylet().pressShortcut();
+    EXPECT_TRUE(eventually([&] { return skylet().overlays().empty(); }));
     application().process().signal(SIGCONT);
     EXPECT_EQ(endSkylet(), 0);
     EXPECT_TRUE(eventually([&] { return isClean(); }));

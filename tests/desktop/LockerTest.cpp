@@ -22,10 +22,8 @@ TEST_P(LockerTest, NoOverlayPixelWhileLocked) {
     PREPARE(openTarget(Toolkit::raw, "10 10 1200 740"));
     application().changeContent();
     PREPARE(launchAndPin());
-    const Window window = target_;
-    const Window cover = cover_;
 
-    const Rectangle place = x().visibleGeometry(window).value_or(Rectangle{});
+    const Rectangle place = x().visibleGeometry(target_).value_or(Rectangle{});
     const auto telltalePixels = [&] {
         const Picture seen = x().screenshot(place);
         int result = 0;
@@ -52,7 +50,7 @@ TEST_P(LockerTest, NoOverlayPixelWhileLocked) {
     // The pinned window goes on, applications and desktops come and go; nothing of it may be seen.
     for (int change = 0; change < 6; ++change) {
         x().switchDesktop(change % 3 == 0 ? 1 : 0);
-        x().activate(change % 2 == 0 ? window : cover);
+        x().activate(change % 2 == 0 ? target_ : cover_);
         application().process().write("pattern 1\n");
         EXPECT_TRUE(throughout(std::chrono::milliseconds(400), [&] { return telltalePixels() == 0; }));
     }
@@ -65,8 +63,8 @@ TEST_P(LockerTest, NoOverlayPixelWhileLocked) {
             ::kill(pid, SIGKILL);
         }
     }
-    x().activate(cover);
-    EXPECT_TRUE(eventually([&] { return skylet().mirrors(window); }));
+    x().activate(cover_);
+    EXPECT_TRUE(eventually([&] { return skylet().mirrors(target_); }));
 }
 
 INSTANTIATE_TEST_SUITE_P(

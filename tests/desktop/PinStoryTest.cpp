@@ -32,35 +32,33 @@ class PinStoryTest : public DesktopTest, public testing::WithParamInterface<Comb
 TEST_P(PinStoryTest, MirrorFollowsAndNeverDisturbs) {
     PREPARE(openDesktop({.windowManager = GetParam().windowManager}));
     PREPARE(openTarget(GetParam().application));
-    const Window target = target_;
-    const Window cover = cover_;
     PREPARE(launch());
 
     // Pinned while in front: nothing to float yet.
-    ASSERT_TRUE(skylet().pin(target)) << skylet().logText();
+    ASSERT_TRUE(skylet().pin(target_)) << skylet().logText();
     EXPECT_TRUE(skylet().waitForLog("togglePin: Pinned '"));
-    EXPECT_TRUE(isOutOfTheWayOf(target));
+    EXPECT_TRUE(isOutOfTheWayOf(target_));
 
     // Another application comes to the front.
-    PREPARE(bringToFront(cover));
-    ASSERT_TRUE(eventually([&] { return floatsOver(target); }));
-    expectUndisturbed(cover);
+    PREPARE(bringToFront(cover_));
+    ASSERT_TRUE(eventually([&] { return floatsOver(target_); }));
+    expectUndisturbed(cover_);
 
     // The covered window changes, then moves and is resized.
-    const std::optional<Picture> before = x().content(target);
+    const std::optional<Picture> before = x().content(target_);
     application().changeContent();
-    EXPECT_TRUE(eventually([&] { return x().content(target) != before && skylet().mirrors(target); }));
-    const Rectangle old = x().geometry(target).value_or(Rectangle{});
-    x().moveResize(target, {old.x + 60, old.y + 40, old.width + 30, old.height + 50});
-    EXPECT_TRUE(eventually([&] { return x().geometry(target) != old && floatsOver(target); }));
-    expectUndisturbed(cover);
+    EXPECT_TRUE(eventually([&] { return x().content(target_) != before && skylet().mirrors(target_); }));
+    const Rectangle old = x().geometry(target_).value_or(Rectangle{});
+    x().moveResize(target_, {old.x + 60, old.y + 40, old.width + 30, old.height + 50});
+    EXPECT_TRUE(eventually([&] { return x().geometry(target_) != old && floatsOver(target_); }));
+    expectUndisturbed(cover_);
 
     // The user's hands: first the left grip, then the right one.
     const Rectangle placed = overlayPlace();
     const Rectangle moved{330, 70, placed.width, placed.height};
     x().drag(placed.x + 6, placed.bottom() - 6, moved.x + 6, moved.bottom() - 6);
     EXPECT_TRUE(eventually([&] { return overlayPlace() == moved; })) << overlayPlace() << " for " << moved;
-    expectUndisturbed(cover);
+    expectUndisturbed(cover_);
     x().drag(moved.right() - 6, moved.bottom() - 6, moved.right() - 56, moved.bottom() + 24);
     const Rectangle resized{moved.x, moved.y, std::max(moved.width - 50, minimumOverlay.width),
                             std::max(moved.height + 30, minimumOverlay.height)};
@@ -70,28 +68,28 @@ TEST_P(PinStoryTest, MirrorFollowsAndNeverDisturbs) {
     const Rectangle smallest{moved.x, moved.y, minimumOverlay.width, minimumOverlay.height};
     EXPECT_TRUE(eventually([&] { return overlayPlace() == smallest; }))
         << overlayPlace() << " for " << smallest;
-    expectUndisturbed(cover);
+    expectUndisturbed(cover_);
 
     // From now on the overlay's place is the user's.
-    const Rectangle present = x().geometry(target).value_or(Rectangle{});
-    x().moveResize(target, {present.x - 30, present.y - 20, present.width, present.height});
+    const Rectangle present = x().geometry(target_).value_or(Rectangle{});
+    x().moveResize(target_, {present.x - 30, present.y - 20, present.width, present.height});
     EXPECT_TRUE(throughout(std::chrono::milliseconds(700), [&] { return overlayPlace() == smallest; }));
 
     // Behind with its own window in front, floating again without.
     x().movePointer(1270, 790);
-    PREPARE(bringToFront(target));
+    PREPARE(bringToFront(target_));
     EXPECT_TRUE(skylet().waitForLog("overlay: sendBehind wid="));
-    EXPECT_TRUE(eventually([&] { return isOutOfTheWayOf(target); }));
-    PREPARE(bringToFront(cover));
+    EXPECT_TRUE(eventually([&] { return isOutOfTheWayOf(target_); }));
+    PREPARE(bringToFront(cover_));
     EXPECT_TRUE(eventually([&] { return overlayPlace() == smallest; }));
-    expectUndisturbed(cover);
+    expectUndisturbed(cover_);
     EXPECT_EQ(x().pointer(), std::pair(1270, 790));
 
     // The shortcut releases the only pinned window, whatever is in front.
     skylet().pressShortcut();
     EXPECT_TRUE(skylet().waitForLog("togglePin: Unpinned '"));
     EXPECT_TRUE(eventually([&] { return skylet().overlays().empty(); }));
-    const std::string number = std::to_string(target);
+    const std::string number = std::to_string(target_);
     std::vector<std::string> expected{"pin: overlay created for wid=" + number};
     for (const char* what : {"bringToFront", "sendBehind", "bringToFront", "hideOverlay"}) {
         expected.push_back("overlay: " + std::string(what) + " wid=" + number);

@@ -45,8 +45,7 @@ TEST_F(SurroundingsTest, OutlivesTheAccessibilityBus) {
 
 TEST_F(SurroundingsTest, ShortcutHeldByAnotherClient) {
     PREPARE(openDesktop());
-    PREPARE(openPuppet());
-    const Window window = puppet().open("100 90 480 320 title=target");
+    PREPARE(openTarget());
     ASSERT_TRUE(x().grabKey('p', controlAndSuper));
     PREPARE(launch());
     EXPECT_TRUE(skylet().waitForLog("tryCreateEventTap: CGEvent.tapCreate failed"));
@@ -58,17 +57,16 @@ TEST_F(SurroundingsTest, ShortcutHeldByAnotherClient) {
 
     x().ungrabKey('p', controlAndSuper);
     EXPECT_TRUE(skylet().waitForLog("tryCreateEventTap: SUCCESS"));
-    EXPECT_TRUE(skylet().pin(window));
+    EXPECT_TRUE(skylet().pin(target_));
     // The key went to nobody else.
-    EXPECT_EQ(puppet().tell("events").find("key" + std::to_string(x().keycode('p'))), std::string::npos);
+    EXPECT_EQ(application().said().find("key" + std::to_string(x().keycode('p'))), std::string::npos);
 }
 
 TEST_F(SurroundingsTest, ShortcutIsNeverLostToAChangeOfKeyboard) {
     PREPARE(openDesktop());
-    PREPARE(openPuppet());
-    const Window window = puppet().open("100 90 480 320 title=target");
+    PREPARE(openTarget());
     PREPARE(launch());
-    PREPARE(bringToFront(window));
+    PREPARE(bringToFront(target_));
     constexpr int rounds = 40;
     for (int round = 1; round <= rounds; ++round) {
         x().announceKeyboard();

@@ -1,5 +1,5 @@
-// Windows of every kind: many, on other desktops, with alpha, with a shadow of their own, too large, of a
-// program that hangs; and the ways in which a pinned window ends.
+// Windows of every kind: on other desktops, with alpha, with a shadow of their own, too large; and the ways
+// in which a pinned window ends.
 #include "DesktopTest.h"
 
 #include <csignal>
@@ -77,18 +77,6 @@ TEST_F(WindowsTest, MirrorsEveryKindOfWindow) {
         ASSERT_TRUE(eventually([&] { return skylet().overlays().empty(); }));
         puppet().tell("destroy " + std::to_string(window));
     }
-}
-
-TEST_F(WindowsTest, StoppedApplicationDoesNotBlock) {
-    PREPARE(openTarget(Toolkit::xterm));
-    PREPARE(launchAndPin());
-    application().process().signal(SIGSTOP);
-    const int reasserted = skylet().count("overlay: reasserting front order wid=");
-    EXPECT_TRUE(skylet().waitForLog("overlay: reasserting front order wid=", reasserted + 4));
-    x().click(400, 200);
-    EXPECT_TRUE(floatsOver(target_));
-    skylet().pressShortcut();
-    EXPECT_TRUE(eventually([&] { return skylet().overlays().empty(); }));
 }
 
 TEST_F(WindowsTest, StaysOnItsDesktopUnlessOnAll) {

@@ -79,13 +79,10 @@ bool VirtualDesktop::startServer(const DesktopOptions& options) {
 }
 
 bool VirtualDesktop::splitScreen() {
-    // Side by side; the server's one output belongs to the left monitor.
-    const Rectangle all = session_->screen();
-    const std::string half = std::to_string(all.width / 2) + "/" + std::to_string(all.width / 8) + "x" +
-                             std::to_string(all.height) + "/" + std::to_string(all.height / 4);
-    return run({"xrandr", "--setmonitor", "left", half + "+0+0", "screen"}, environment_) == 0 &&
-           run({"xrandr", "--setmonitor", "right", half + "+" + std::to_string(all.width / 2) + "+0", "none"},
-               environment_) == 0;
+    // Side by side, of the default size; the server's one output belongs to the left monitor.
+    const std::string half = "640/160x800/200+";
+    return run({"xrandr", "--setmonitor", "left", half + "0+0", "screen"}, environment_) == 0 &&
+           run({"xrandr", "--setmonitor", "right", half + "640+0", "none"}, environment_) == 0;
 }
 
 bool VirtualDesktop::startSessionBus() {

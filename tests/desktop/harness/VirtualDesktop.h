@@ -16,7 +16,7 @@ struct DesktopOptions {
     WindowManagerKind windowManager = WindowManagerKind::openbox;
     int width = 1280;
     int height = 800;
-    bool twoMonitors = false;
+    bool twoMonitors = false; // of half the default width each
     bool sessionBus = true;
     bool accessibility = true; // needs the session bus
 };

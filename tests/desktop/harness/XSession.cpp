@@ -15,7 +15,8 @@ constexpr std::uint32_t sourcePager = 2;
 
 } // namespace
 
-XSession::XSession(const std::string& display) : connection_(xcb_connect(display.c_str(), nullptr)) {
+XSession::XSession(const std::string& display)
+    : connection_(xcb_connect(display.empty() ? nullptr : display.c_str(), nullptr)) {
     if (!isConnected()) {
         return;
     }
@@ -301,12 +302,9 @@ std::map<std::string, int> XSession::resourcesOf(pid_t pid) const {
         return result;
     }
     for (auto i = xcb_res_query_clients_clients_iterator(clients.get()); i.rem > 0; xcb_res_client_next(&i)) {
-        if (pidOf(i.data->resource_base) != pid) {
-            continue;
-        }
         const auto types = own(xcb_res_query_client_resources_reply(
             connection(), xcb_res_query_client_resources(connection(), i.data->resource_base), nullptr));
-        if (!types) {
+        if (pidOf(i.data->resource_base) != pid || !types) {
             continue;
         }
         for (auto type = xcb_res_query_client_resources_types_iterator(types.get()); type.rem > 0;

@@ -38,6 +38,7 @@ enum class Modifier : xcb_keysym_t { control = 0xFFE3, super = 0xFFEB, shift = 0
 
 class XSession {
   public:
+    // An empty display is that of the environment.
     explicit XSession(const std::string& display);
 
     [[nodiscard]] bool isConnected() const;

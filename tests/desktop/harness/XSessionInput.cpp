@@ -3,8 +3,8 @@
 #include <xcb/xinput.h>
 #include <xcb/xtest.h>
 
+#include <algorithm>
 #include <cstddef>
-#include <ranges>
 
 namespace skylet::desktop {
 
@@ -58,9 +58,7 @@ void XSession::press(xcb_keysym_t key, const std::vector<Modifier>& modifiers) c
     }
     fake(XCB_KEY_PRESS, keycode(key), 0, 0);
     fake(XCB_KEY_RELEASE, keycode(key), 0, 0);
-    for (const Modifier modifier : std::views::reverse(modifiers)) {
-        hold(modifier, false);
-    }
+    std::for_each(modifiers.rbegin(), modifiers.rend(), [this](Modifier modifier) { hold(modifier, false); });
     sync();
 }
 

@@ -57,7 +57,7 @@ class Puppet {
     void setProperty(Window window, const char* name, const char* type, int format, const void* data,
                      std::size_t count);
     void setProperty(std::istream& words);
-    void draw(Window id, const PuppetWindow& window);
+    void draw(Window id);
     void beginGrabbing();
     void answerPing(const xcb_client_message_event_t& message);
     void grabWhileDown(bool down, const xcb_button_press_event_t& button);
@@ -65,7 +65,7 @@ class Puppet {
     void takeEvents();
     void sync();
 
-    XSession x_{std::getenv("DISPLAY")};
+    XSession x_{""};
     xcb_connection_t* connection_ = x_.connection();
     std::map<Window, PuppetWindow> windows_;
     bool isGrabbing_ = false;
@@ -155,7 +155,12 @@ std::string Puppet::openWindow(std::istream& words) {
     return std::to_string(id);
 }
 
-void Puppet::draw(Window id, const PuppetWindow& window) {
+void Puppet::draw(Window id) {
+    const auto found = windows_.find(id);
+    if (found == windows_.end()) {
+        return;
+    }
+    const PuppetWindow& window = found->second;
     const int left = static_cast<int>(window.shadow[0]);
     const int top = static_cast<int>(window.shadow[2]);
     const int right = window.width - static_cast<int>(window.shadow[1]);
@@ -236,7 +241,7 @@ std::string Puppet::obey(const std::string& line) {
         for (auto& [id, window] : windows_) {
             if (only == XCB_NONE || only == id) {
                 window.seed = seed;
-                draw(id, window);
+                draw(id);
             }
         }
     } else if (verb == "property") {
@@ -253,48 +258,48 @@ std::string Puppet::obey(const std::string& line) {
     return "ok";
 }
 
+template <class Event>
+const Event& as(const xcb_generic_event_t& event) {
+    return reinterpret_cast<const Event&>(event);
+}
+
 void Puppet::take(const xcb_generic_event_t& event) {
     const auto note = [this](const std::string& text) {
         events_ += (events_.empty() ? "" : " ") + text;
     };
-    const auto* bytes = reinterpret_cast<const char*>(&event);
+    const bool isPress = (event.response_type & 0x7F) == XCB_BUTTON_PRESS;
     switch (event.response_type & 0x7F) {
-    case XCB_EXPOSE: {
-        const auto* expose = reinterpret_cast<const xcb_expose_event_t*>(bytes);
-        if (const auto window = windows_.find(expose->window); window != windows_.end()) {
-            draw(window->first, window->second);
-        }
+    case XCB_EXPOSE:
+        draw(as<xcb_expose_event_t>(event).window);
         break;
-    }
     case XCB_CONFIGURE_NOTIFY: {
-        const auto* configure = reinterpret_cast<const xcb_configure_notify_event_t*>(bytes);
-        if (const auto window = windows_.find(configure->window); window != windows_.end()) {
-            window->second.width = configure->width;
-            window->second.height = configure->height;
+        const auto& configure = as<xcb_configure_notify_event_t>(event);
+        if (const auto window = windows_.find(configure.window); window != windows_.end()) {
+            window->second.width = configure.width;
+            window->second.height = configure.height;
         }
         break;
     }
     case XCB_BUTTON_PRESS:
     case XCB_BUTTON_RELEASE: {
-        const auto* button = reinterpret_cast<const xcb_button_press_event_t*>(bytes);
-        note(((event.response_type & 0x7F) == XCB_BUTTON_PRESS ? "press" : "release") +
-             std::to_string(button->detail) + modifiers(button->state) + "@" +
-             std::to_string(button->event_x) + "," + std::to_string(button->event_y));
-        if (isGrabbing_ && button->detail == XCB_BUTTON_INDEX_1) {
-            grabWhileDown((event.response_type & 0x7F) == XCB_BUTTON_PRESS, *button);
+        const auto& button = as<xcb_button_press_event_t>(event);
+        note((isPress ? "press" : "release") + std::to_string(button.detail) + modifiers(button.state) + "@" +
+             std::to_string(button.event_x) + "," + std::to_string(button.event_y));
+        if (isGrabbing_ && button.detail == XCB_BUTTON_INDEX_1) {
+            grabWhileDown(isPress, button);
         }
         break;
     }
     case XCB_CLIENT_MESSAGE:
         if (isGrabbing_) {
-            answerPing(*reinterpret_cast<const xcb_client_message_event_t*>(bytes));
+            answerPing(as<xcb_client_message_event_t>(event));
         }
         break;
     case XCB_MOTION_NOTIFY:
         note("motion");
         break;
     case XCB_KEY_PRESS:
-        note("key" + std::to_string(reinterpret_cast<const xcb_key_press_event_t*>(bytes)->detail));
+        note("key" + std::to_string(as<xcb_key_press_event_t>(event).detail));
         break;
     default:
         break;
