@@ -6,6 +6,7 @@ namespace skylet::desktop {
 
 void DesktopTest::openDesktop(const DesktopOptions& options) {
     // A desktop takes everything with it that was started after it.
+    application_.reset();
     puppet_.reset();
     desktop_.reset();
     desktop_ = std::make_unique<VirtualDesktop>(options);
@@ -22,6 +23,22 @@ void DesktopTest::openPuppet() {
     ASSERT_TRUE(puppet_->process().isRunning());
 }
 
+void DesktopTest::openTarget(Toolkit toolkit, const std::string& cover) {
+    application_ = std::make_unique<Application>(desktop(), toolkit);
+    target_ = application_->window();
+    ASSERT_NE(target_, Window{XCB_NONE}) << application_->process().errorOutput();
+    PREPARE(openPuppet());
+    cover_ = puppet().open(cover + " title=cover");
+    ASSERT_NE(cover_, Window{XCB_NONE});
+    x().movePointer(1270, 790);
+}
+
+void DesktopTest::launchAndPin(const Preferences& preferences) {
+    PREPARE(launch(preferences));
+    PREPARE(pinAndCover(target_, cover_));
+    ASSERT_TRUE(eventually([&] { return floatsOver(target_); }));
+}
+
 void DesktopTest::bringToFront(Window window) {
     x().activate(window);
     ASSERT_TRUE(eventually([&] {
@@ -36,9 +53,13 @@ void DesktopTest::pinAndCover(Window target, Window cover) {
     ASSERT_TRUE(eventually([&] { return skylet().overlayInFront().has_value(); })) << skylet().logText();
 }
 
-bool DesktopTest::floatsOver(Window target) {
+Rectangle DesktopTest::overlayPlace() {
     const std::optional<Window> overlay = skylet().overlayInFront();
-    return overlay && x().geometry(*overlay) == x().visibleGeometry(target) && skylet().mirrors(target);
+    return overlay ? x().geometry(*overlay).value_or(Rectangle{}) : Rectangle{};
+}
+
+bool DesktopTest::floatsOver(Window target) {
+    return overlayPlace() == x().visibleGeometry(target) && skylet().mirrors(target);
 }
 
 bool DesktopTest::isOutOfTheWayOf(Window target) {
@@ -46,7 +67,7 @@ bool DesktopTest::isOutOfTheWayOf(Window target) {
     const std::vector<Window> overlays = skylet().overlays();
     return place && std::ranges::all_of(overlays, [&](Window overlay) {
                const Rectangle whole = x().geometry(overlay).value_or(Rectangle{});
-               const std::vector<Rectangle> shape = x().boundingShape(overlay);
+               const std::vector<Rectangle> shape = x().shape(overlay, XCB_SHAPE_SK_BOUNDING);
                return std::ranges::none_of(shape, [&](const Rectangle& part) {
                    return part.x + whole.x < place->right() && part.right() + whole.x > place->x &&
                           part.y + whole.y < place->bottom() && part.bottom() + whole.y > place->y;
@@ -59,6 +80,16 @@ int DesktopTest::endSkylet() {
     EXPECT_EQ(skylet_->errorOutput(), expectedErrors_);
     skylet_.reset();
     return code;
+}
+
+void DesktopTest::expectFailure(Process& process, const std::string& named) {
+    const std::optional<int> code = process.waitForExit();
+    ASSERT_TRUE(code) << "it runs on";
+    EXPECT_GT(*code, 0);
+    EXPECT_LT(*code, 126) << "it crashed";
+    const std::string told = process.errorOutput();
+    EXPECT_EQ(std::ranges::count(told, '\n'), 1) << told;
+    EXPECT_NE(told.find(named), std::string::npos) << told;
 }
 
 void DesktopTest::TearDown() {

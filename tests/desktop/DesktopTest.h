@@ -25,10 +25,18 @@ class DesktopTest : public testing::Test {
     [[nodiscard]] SkyletProgram& skylet() { return *skylet_; }
     [[nodiscard]] Puppet& puppet() { return *puppet_; }
 
+    // An application to pin, a window that covers it, and the pointer far from both.
+    void openTarget(Toolkit toolkit = Toolkit::raw, const std::string& cover = "40 30 1000 700");
+    [[nodiscard]] Application& application() { return *application_; }
+    // Launches, pins the target and covers it; its overlay floats.
+    void launchAndPin(const Preferences& preferences = {});
+
     // A window of another application, brought to the front.
     void bringToFront(Window window);
     // Pins `target`, then brings `cover` to the front, so that the overlay floats.
     void pinAndCover(Window target, Window cover);
+    // Of the overlay in front; empty where there is none.
+    [[nodiscard]] Rectangle overlayPlace();
     // The overlay in front shows the target's picture, in its place.
     [[nodiscard]] bool floatsOver(Window target);
     // The overlay is mapped nowhere over the target, or not at all.
@@ -36,13 +44,19 @@ class DesktopTest : public testing::Test {
     // Ends the program before the test's end, which needs no life check then.
     int endSkylet();
 
+    // It ends by itself and says why in one line that names `named`.
+    static void expectFailure(Process& process, const std::string& named = {});
+
     void TearDown() override;
 
     // What standard error may hold at the end.
     std::string expectedErrors_;
+    Window target_ = XCB_NONE;
+    Window cover_ = XCB_NONE;
 
   private:
     std::unique_ptr<VirtualDesktop> desktop_;
+    std::unique_ptr<Application> application_;
     std::unique_ptr<Puppet> puppet_;
     std::unique_ptr<SkyletProgram> skylet_;
 };

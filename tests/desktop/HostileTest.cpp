@@ -17,29 +17,24 @@ class HostileTest : public DesktopTest, public testing::WithParamInterface<Hosti
 
 TEST_P(HostileTest, PinsAndMirrorsAllTheSame) {
     PREPARE(openDesktop());
-    PREPARE(openPuppet());
-    const Window cover = puppet().open("10 10 1000 700 title=cover");
-    Puppet hostile(desktop());
-    const Window window = hostile.open("100 90 480 320 title=hostile");
-    hostile.tell("pattern 3");
+    PREPARE(openTarget());
+    const std::string window = std::to_string(target_);
     PREPARE(launch());
     const auto poison = [&] {
         for (const char* property : GetParam().properties) {
-            const std::string text(property);
-            const auto space = text.find(' ');
-            hostile.tell("property " + std::to_string(window) + " " + text);
-            ASSERT_NE(space, std::string::npos);
+            Process& hostile = application().process();
+            hostile.write("property " + window + " " + property + "\n");
+            ASSERT_EQ(hostile.readLine(), "ok");
         }
     };
     PREPARE(poison());
-    PREPARE(pinAndCover(window, cover));
+    PREPARE(pinAndCover(target_, cover_));
     // Once more while it is watched.
     PREPARE(poison());
-    const Rectangle client = x().geometry(window).value_or(Rectangle{});
+    const Rectangle client = x().geometry(target_).value_or(Rectangle{});
     EXPECT_TRUE(eventually([&] {
-        const auto overlay = skylet().overlayInFront();
-        return overlay && x().geometry(*overlay) == client &&
-               x().screenshot(client) == patternPicture(3, client.width, client.height);
+        return overlayPlace() == client &&
+               x().screenshot(client) == patternPicture(0, client.width, client.height);
     }));
     // No title begins a line of the log of its own.
     std::istringstream log(skylet().logText());

@@ -1,7 +1,6 @@
 // Clicks, drags and scrolls on the overlay of a covered or unfocused window, with every toolkit under every
 // window manager: the application tells what reached it, and the user is left alone meanwhile.
 #include "DesktopTest.h"
-#include "harness/InputProbe.h"
 #include "harness/QuietWatch.h"
 
 #include <algorithm>
@@ -11,9 +10,6 @@ namespace skylet::desktop {
 namespace {
 
 using Point = std::pair<int, int>;
-
-constexpr xcb_keysym_t shiftKey = 0xffe1;   // XK_Shift_L
-constexpr xcb_keysym_t controlKey = 0xffe3; // XK_Control_L
 
 struct Cell {
     WindowManagerKind windowManager;
@@ -38,32 +34,19 @@ class InputMatrixTest : public DesktopTest, public testing::WithParamInterface<C
     void click(Point place, int button = 1);
     [[nodiscard]] Point inOverlay(double x, double y) const;
     [[nodiscard]] Window popup();
+    void expectPopup();
     void usePopup(double y);
     void expectMenuCloses();
 
-    std::unique_ptr<InputProbe> probe_;
-    Window target_ = XCB_NONE;
     Rectangle overlay_;
     std::unique_ptr<QuietWatch> quiet_;
-    Point elsewhere_;
 };
 
 void InputMatrixTest::prepare() {
     PREPARE(openDesktop({.windowManager = GetParam().windowManager}));
-    probe_ = std::make_unique<InputProbe>(desktop(), GetParam().toolkit);
-    target_ = probe_->window();
-    ASSERT_NE(target_, Window{XCB_NONE}) << probe_->process().errorOutput();
-    PREPARE(openPuppet());
-    const bool isCovered = GetParam().isCovered;
-    const Window cover =
-        puppet().open(isCovered ? "40 30 1000 700 title=cover" : "900 620 300 120 title=cover");
-    ASSERT_NE(cover, Window{XCB_NONE});
-    elsewhere_ = isCovered ? Point{1000, 690} : Point{1000, 680};
-    x().movePointer(1270, 790);
-    PREPARE(launch());
-    PREPARE(pinAndCover(target_, cover));
-    ASSERT_TRUE(eventually([&] { return floatsOver(target_); }));
-    overlay_ = x().geometry(skylet().overlayInFront().value_or(XCB_NONE)).value_or(Rectangle{});
+    PREPARE(openTarget(GetParam().toolkit, GetParam().isCovered ? "40 30 1000 700" : "900 620 300 120"));
+    PREPARE(launchAndPin());
+    overlay_ = overlayPlace();
     quiet_ = std::make_unique<QuietWatch>(desktop().environment().at("DISPLAY"));
 }
 
@@ -90,12 +73,12 @@ void InputMatrixTest::expectReaches(const std::string& name, const std::function
         return;
     }
     const testing::ScopedTrace trace(__FILE__, __LINE__, name);
-    probe_->forget();
+    application().forget();
     act();
     for (const std::string& word : words) {
         if (!word.empty() && !HasFailure()) {
-            EXPECT_TRUE(probe_->says(word, static_cast<int>(std::ranges::count(words, word))))
-                << "no \"" << word << "\" in: " << probe_->said();
+            EXPECT_TRUE(application().says(word, static_cast<int>(std::ranges::count(words, word))))
+                << "no \"" << word << "\" in: " << application().said();
         }
     }
     EXPECT_TRUE(eventually([&] { return skylet().mirrors(target_); })) << "the mirror does not follow";
@@ -116,29 +99,29 @@ Window InputMatrixTest::popup() {
     return XCB_NONE;
 }
 
-// The user's own pointer chooses in the popup, `y` of its height down.
-void InputMatrixTest::usePopup(double y) {
+void InputMatrixTest::expectPopup() {
     ASSERT_TRUE(eventually([&] { return popup() != XCB_NONE; }));
     ASSERT_TRUE(throughout(std::chrono::milliseconds(300), [&] { return popup() != XCB_NONE; }))
         << "the popup did not stay open";
+}
+
+// The user's own pointer chooses in the popup, `y` of its height down.
+void InputMatrixTest::usePopup(double y) {
+    PREPARE(expectPopup());
     const Rectangle place = x().geometry(popup()).value_or(Rectangle{});
     moveTo({place.x + place.width / 2 - 5, place.y + static_cast<int>(place.height * y)});
-    moveTo({place.x + place.width / 2, place.y + static_cast<int>(place.height * y)});
-    x().button(1, true);
-    x().button(1, false);
+    click({place.x + place.width / 2, place.y + static_cast<int>(place.height * y)});
 }
 
 void InputMatrixTest::expectMenuCloses() {
-    ASSERT_TRUE(eventually([&] { return popup() != XCB_NONE; }));
-    ASSERT_TRUE(throughout(std::chrono::milliseconds(300), [&] { return popup() != XCB_NONE; }))
-        << "the popup did not stay open";
-    click(elsewhere_);
+    PREPARE(expectPopup());
+    click({1000, 690}); // in the cover
     EXPECT_TRUE(eventually([&] { return popup() == XCB_NONE; })) << "the popup does not close";
 }
 
 TEST_P(InputMatrixTest, ReachesTheRealWindow) {
     PREPARE(prepare());
-    const ProbeWords& words = probe_->words();
+    const ProbeWords& words = application().words();
 
     expectReaches("click", [&] { click(inOverlay(0.3, 0.55)); }, {words.down, words.up});
     expectReaches("double click",
@@ -153,13 +136,13 @@ TEST_P(InputMatrixTest, ReachesTheRealWindow) {
                       const Point to = inOverlay(0.6, 0.8);
                       moveTo(from);
                       x().button(1, true);
-                      EXPECT_TRUE(probe_->says(words.down));
+                      EXPECT_TRUE(application().says(words.down));
                       for (int step = 1; step <= 8; ++step) {
                           moveTo({from.first + (to.first - from.first) * step / 8,
                                   from.second + (to.second - from.second) * step / 8});
                       }
                       // The application sees the drag while it happens.
-                      EXPECT_TRUE(words.motion.empty() || probe_->says(words.motion));
+                      EXPECT_TRUE(words.motion.empty() || application().says(words.motion));
                       x().button(1, false);
                   },
                   {words.down, words.motion, words.up, words.selection});
@@ -170,19 +153,19 @@ TEST_P(InputMatrixTest, ReachesTheRealWindow) {
     if (GetParam().toolkit == Toolkit::xterm) {
         // Control opens the terminal's own menu; with Shift it selects instead of reporting the mouse.
         const auto selects = [&] {
-            x().hold(shiftKey, true);
+            x().hold(Modifier::shift, true);
             click(inOverlay(0.4, 0.65));
             click(inOverlay(0.4, 0.65));
-            x().hold(shiftKey, false);
+            x().hold(Modifier::shift, false);
             EXPECT_TRUE(
                 eventually([&] { return x().pidOf(x().selectionOwner("PRIMARY")) == x().pidOf(target_); }));
         };
         expectReaches("modifiers", selects, {});
     } else {
         const auto act = [&] {
-            x().hold(controlKey, true);
+            x().hold(Modifier::control, true);
             click(inOverlay(0.4, 0.92));
-            x().hold(controlKey, false);
+            x().hold(Modifier::control, false);
         };
         expectReaches("modifiers", act, {words.controlDown, words.up});
     }

@@ -17,25 +17,18 @@ struct Locker {
 
 class LockerTest : public DesktopTest, public testing::WithParamInterface<Locker> {};
 
-// A colour that no locker shows, filling the pinned window.
-constexpr int telltaleTiles = 24;
-
 TEST_P(LockerTest, NoOverlayPixelWhileLocked) {
     PREPARE(openDesktop({.windowManager = GetParam().windowManager}));
-    PREPARE(openPuppet());
-    const Window window = puppet().open("300 200 480 320 title=secret");
-    const Window cover = puppet().open("10 10 1200 740 title=cover");
-    puppet().tell("pattern 77 " + std::to_string(window));
-    PREPARE(launch());
-    PREPARE(pinAndCover(window, cover));
-    ASSERT_TRUE(eventually([&] { return skylet().mirrors(window); }));
+    PREPARE(openTarget(Toolkit::raw, "10 10 1200 740"));
+    application().changeContent();
+    PREPARE(launchAndPin());
 
-    const Rectangle place = x().visibleGeometry(window).value_or(Rectangle{});
+    const Rectangle place = x().visibleGeometry(target_).value_or(Rectangle{});
     const auto telltalePixels = [&] {
         const Picture seen = x().screenshot(place);
         int result = 0;
-        for (int tile = 0; tile < telltaleTiles && !seen.pixels.empty(); ++tile) {
-            result += count(seen, patternColour(77, tile, tile % 16));
+        for (int tile = 0; tile < 24 && !seen.pixels.empty(); ++tile) {
+            result += count(seen, patternColour(1, tile, tile % 16)); // which no locker shows
         }
         return result;
     };
@@ -57,13 +50,12 @@ TEST_P(LockerTest, NoOverlayPixelWhileLocked) {
     // The pinned window goes on, applications and desktops come and go; nothing of it may be seen.
     for (int change = 0; change < 6; ++change) {
         x().switchDesktop(change % 3 == 0 ? 1 : 0);
-        x().activate(change % 2 == 0 ? window : cover);
-        puppet().tell("pattern 77 " + std::to_string(window));
+        x().activate(change % 2 == 0 ? target_ : cover_);
+        application().process().write("pattern 1\n");
         EXPECT_TRUE(throughout(std::chrono::milliseconds(400), [&] { return telltalePixels() == 0; }));
     }
-    while (!locker.empty()) {
-        locker.back().signal(SIGKILL);
-        locker.pop_back();
+    for (const Process& process : locker) {
+        process.signal(SIGKILL);
     }
     for (const char* helper :
          {"xscreensaver-gf", "xscreensaver-au", "saver_multiplex", "saver_blank", "dimmer"}) {
@@ -71,8 +63,8 @@ TEST_P(LockerTest, NoOverlayPixelWhileLocked) {
             ::kill(pid, SIGKILL);
         }
     }
-    x().activate(cover);
-    EXPECT_TRUE(eventually([&] { return skylet().mirrors(window); }));
+    x().activate(cover_);
+    EXPECT_TRUE(eventually([&] { return skylet().mirrors(target_); }));
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -1,4 +1,4 @@
-# A page of text that tells on standard output what the user does to it.
+# A page of text that tells on standard output what the user does to it, and shows the lines of its standard input.
 wm title . target
 wm geometry . 480x320+100+90
 proc say {text} {
@@ -28,3 +28,11 @@ bind .page <<Selection>> {
     }
 }
 bind .page <ButtonPress-3> {+tk_popup .menu %X %Y}
+fconfigure stdin -blocking false
+fileevent stdin readable {
+    if {[gets stdin line] >= 0} {
+        .page insert 1.0 "$line\n"
+    } elseif {[eof stdin]} {
+        exit
+    }
+}

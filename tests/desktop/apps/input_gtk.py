@@ -1,4 +1,5 @@
-"""A page of text that tells on standard output what the user does to it. Argument: GTK's version, 3.0 or 4.0."""
+"""A page of text that tells on standard output what the user does to it, and shows the last line of its standard
+input above the text. Argument: GTK's version, 3.0 or 4.0."""
 
 import sys
 
@@ -20,6 +21,12 @@ def modifiers(state):
     return "".join("+" + name for mask, name in names.items() if state & mask)
 
 
+def show_line(stream, _, text):
+    line = stream.readline()
+    text.set_text(line + TEXT)
+    return bool(line)
+
+
 def watch_text(view, scrolled):
     def tell_selection(*_):
         bounds = view.get_buffer().get_selection_bounds()
@@ -30,6 +37,7 @@ def watch_text(view, scrolled):
     view.set_monospace(True)
     view.get_buffer().set_text(TEXT)
     view.get_buffer().connect("mark-set", tell_selection)
+    GLib.io_add_watch(sys.stdin, GLib.IO_IN, show_line, view.get_buffer())
     scrolled.get_vadjustment().connect("value-changed", lambda bar: say("scrolled", int(bar.get_value())))
 
 

@@ -1,4 +1,5 @@
-"""A page of text that tells on standard output what the user does to it. Argument: Qt's version, 5 or 6."""
+"""A page of text that tells on standard output what the user does to it, and shows the last line of its standard
+input above the text. Argument: Qt's version, 5 or 6."""
 
 import sys
 
@@ -9,6 +10,9 @@ else:
 
 Qt = QtCore.Qt
 BUTTONS = {Qt.MouseButton.LeftButton: 1, Qt.MouseButton.MiddleButton: 2, Qt.MouseButton.RightButton: 3}
+
+
+TEXT = "mirror window pinned floating panel\n" * 60
 
 
 def say(*words):
@@ -26,7 +30,7 @@ def told(name, event):
 
 class Page(QtWidgets.QPlainTextEdit):
     def __init__(self):
-        super().__init__("mirror window pinned floating panel\n" * 60)
+        super().__init__(TEXT)
         self.setReadOnly(True)
         self.setWindowTitle("target")
         self.resize(480, 320)
@@ -63,4 +67,6 @@ class Page(QtWidgets.QPlainTextEdit):
 application = QtWidgets.QApplication(sys.argv[:1])
 page = Page()
 page.show()
+lines = QtCore.QSocketNotifier(sys.stdin.fileno(), QtCore.QSocketNotifier.Type.Read)
+lines.activated.connect(lambda *_: page.setPlainText(sys.stdin.readline() + TEXT))
 sys.exit(application.exec())

@@ -4,7 +4,6 @@
 // in the folder it is given.
 #include "harness/AccessibleTree.h"
 #include "harness/Application.h"
-#include "harness/InputProbe.h"
 #include "harness/SkyletProgram.h"
 #include "harness/VirtualDesktop.h"
 
@@ -12,7 +11,6 @@
 #include <QImage>
 #include <QString>
 
-#include <algorithm>
 #include <csignal>
 #include <filesystem>
 #include <iostream>
@@ -59,11 +57,9 @@ class Demonstration {
     bool step(bool done, const std::string& told);
     void picture(const std::string& name);
     bool play();
-    bool playMirror(SkyletProgram& skylet);
-    bool playInput(SkyletProgram& skylet);
+    bool playMirror(SkyletProgram& skylet, Application& terminal, Window cover);
+    bool playInput(SkyletProgram& skylet, Application& terminal, Window cover);
     bool playWindows();
-    // The middle of Skylet's red icon in the tray.
-    [[nodiscard]] std::optional<std::pair<int, int>> findIcon();
 
     std::string folder_;
     VirtualDesktop desktop_;
@@ -91,26 +87,28 @@ bool Demonstration::play() {
         std::cout << skylet.errorOutput();
         return false;
     }
-    return playMirror(skylet) && playInput(skylet) && playWindows();
-}
-
-bool Demonstration::playMirror(SkyletProgram& skylet) {
     XSession& x = desktop_.x();
-    Application terminal(desktop_, ApplicationKind::xterm, "terminal");
-    Application cover(desktop_, ApplicationKind::xterm, "another application",
-                      {"-bg", "#2d4a6b", "-fg", "white"});
-    if (!step(terminal.window() != XCB_NONE && cover.window() != XCB_NONE, "Two terminals are open.")) {
+    Application terminal(desktop_, Toolkit::xterm);
+    const Process other =
+        desktop_.start({"xterm", "-title", "another application", "-bg", "#2d4a6b", "-fg", "white"});
+    const bool opened = eventually([&] { return !x.windowsOf(other.pid()).empty(); });
+    if (!step(opened && terminal.window() != XCB_NONE, "Two terminals are open.")) {
         return false;
     }
-    x.moveResize(cover.window(), {60, 50, 800, 520});
+    const Window cover = x.windowsOf(other.pid()).front();
+    x.moveResize(cover, {60, 50, 800, 520});
+    return playMirror(skylet, terminal, cover) && playInput(skylet, terminal, cover) && playWindows();
+}
 
+bool Demonstration::playMirror(SkyletProgram& skylet, Application& terminal, Window cover) {
+    XSession& x = desktop_.x();
     if (!step(skylet.pin(terminal.window()),
               "The shortcut Control+Super+P was pressed in the first terminal: it is pinned.")) {
         return false;
     }
     picture("1-pinned.png");
 
-    x.activate(cover.window());
+    x.activate(cover);
     const bool floats = eventually([&] { return skylet.mirrors(terminal.window()); });
     if (!step(floats,
               "The other terminal came to the front and covers the first one; the mirror floats over it.")) {
@@ -138,31 +136,14 @@ bool Demonstration::playMirror(SkyletProgram& skylet) {
     }
     const bool followed = eventually([&] {
         const std::optional<Picture> now = x.content(terminal.window());
-        return now && still && difference(*now, *still) > 0 && skylet.mirrors(terminal.window());
+        return now && still && *now != *still && skylet.mirrors(terminal.window());
     });
-    if (!step(followed, "The covered terminal printed, and the mirror shows every pixel of it.")) {
-        return false;
-    }
     picture("3-mirror-followed.png");
-
-    skylet.pressShortcut();
-    return step(eventually([&] { return skylet.overlays().empty(); }),
-                "The shortcut was pressed again: the mirror is gone.");
+    return step(followed, "The covered terminal printed, and the mirror shows every pixel of it.");
 }
 
-bool Demonstration::playInput(SkyletProgram& skylet) {
+bool Demonstration::playInput(SkyletProgram& skylet, Application& terminal, Window cover) {
     XSession& x = desktop_.x();
-    InputProbe terminal(desktop_, Toolkit::xterm);
-    Application cover(desktop_, ApplicationKind::xterm, "the window in use",
-                      {"-bg", "#2d4a6b", "-fg", "white"});
-    x.moveResize(cover.window(), {60, 50, 800, 520});
-    if (!step(skylet.pin(terminal.window()), "A terminal that listens to the mouse is pinned.")) {
-        return false;
-    }
-    x.activate(cover.window());
-    if (!eventually([&] { return skylet.mirrors(terminal.window()); })) {
-        return step(false, "It is covered, and its mirror floats.");
-    }
     const Rectangle mirror = x.geometry(skylet.overlays().front()).value_or(Rectangle{});
     terminal.forget();
     x.click(mirror.x + mirror.width / 2, mirror.y + mirror.height / 2);
@@ -172,21 +153,26 @@ bool Demonstration::playInput(SkyletProgram& skylet) {
                            printable(terminal.said()))) {
         return false;
     }
-    if (!step(x.activeWindow() == cover.window() && x.pidOf(x.inputFocus()) == x.pidOf(cover.window()),
+    if (!step(x.activeWindow() == cover && x.pidOf(x.inputFocus()) == x.pidOf(cover),
               "The window in use kept the focus.")) {
         return false;
     }
-    const auto icon = findIcon();
-    if (!step(icon.has_value(), "Skylet's icon is in the tray.")) {
+    if (!step(eventually([&] { return skylet.icon().pixels > 0; }), "Skylet's icon is in the tray.")) {
         return false;
     }
+    const Rectangle icon = skylet.icon().place;
     const std::size_t before = skylet.overlays().size(); // a menu is as unmanaged as an overlay
-    x.click(icon->first, icon->second);
+    x.click(icon.x + icon.width / 2, icon.y + icon.height / 2);
     const bool opened = eventually([&] { return skylet.overlays().size() == before + 1; });
     picture("4-menu.png");
-    x.press(escapeKey, {});
+    x.press(escapeKey);
     const bool closed = eventually([&] { return skylet.overlays().size() == before; });
-    return step(opened && closed, "A click on it opened the menu.");
+    if (!step(opened && closed, "A click on it opened the menu.")) {
+        return false;
+    }
+    skylet.pressShortcut();
+    return step(eventually([&] { return skylet.overlays().empty(); }),
+                "The shortcut was pressed again: the mirror is gone.");
 }
 
 bool Demonstration::playWindows() {
@@ -199,31 +185,6 @@ bool Demonstration::playWindows() {
     };
     return step(shows("settings", "Apri all’accesso", "5-settings.png"), "The settings are open.") &&
            step(shows("about", "Chiudi", "6-about.png"), "The About window is open.");
-}
-
-std::optional<std::pair<int, int>> Demonstration::findIcon() {
-    std::optional<std::pair<int, int>> middle;
-    (void)eventually([&] {
-        const Rectangle screen = desktop_.x().screen();
-        constexpr int trayHeight = 26;
-        const Picture tray =
-            desktop_.x().screenshot({0, screen.height - trayHeight, screen.width, trayHeight});
-        Rectangle box{tray.width, tray.height, 0, 0}; // left, top, right, bottom
-        for (int y = 0; y < tray.height; ++y) {
-            for (int x = 0; x < tray.width; ++x) {
-                const std::uint32_t colour = tray.at(x, y);
-                if (((colour >> 16) & 0xFF) > 200 && ((colour >> 8) & 0xFF) < 100 && (colour & 0xFF) < 100) {
-                    box = {std::min(box.x, x), std::min(box.y, y), std::max(box.width, x),
-                           std::max(box.height, y)};
-                }
-            }
-        }
-        if (box.width > box.x) {
-            middle = {(box.x + box.width) / 2, screen.height - trayHeight + (box.y + box.height) / 2};
-        }
-        return middle.has_value();
-    });
-    return middle;
 }
 
 int Demonstration::show() {

@@ -4,16 +4,19 @@
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDBusVariant>
+#include <QRect>
 #include <QVariantMap>
 
 namespace skylet::desktop {
+
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr int milliseconds = 5000;
 constexpr int deepest = 24;
 constexpr unsigned coordinatesOfScreen = 0;
-const auto accessible = QStringLiteral("org.a11y.atspi.Accessible");
-const auto properties = QStringLiteral("org.freedesktop.DBus.Properties");
+const auto accessible = u"org.a11y.atspi.Accessible"_s;
 
 } // namespace
 
@@ -21,46 +24,45 @@ struct AccessibleTree::Reference {
     QString service;
     QString path;
 
-    [[nodiscard]] QVariantList ask(const QDBusConnection& bus, const QString& interface,
-                                   const QString& method, const QVariantList& arguments = {}) const {
+    // The answer's only value; nothing where there is no answer.
+    [[nodiscard]] std::optional<QVariant> ask(const QDBusConnection& bus, const QString& interface,
+                                              const QString& method,
+                                              const QVariantList& arguments = {}) const {
         auto message = QDBusMessage::createMethodCall(service, path, interface, method);
         message.setArguments(arguments);
         const QDBusMessage answer = bus.call(message, QDBus::Block, milliseconds);
-        return answer.type() == QDBusMessage::ReplyMessage ? answer.arguments() : QVariantList();
+        return answer.type() == QDBusMessage::ReplyMessage ? std::optional(answer.arguments().value(0))
+                                                           : std::nullopt;
     }
-    [[nodiscard]] std::string text(const QDBusConnection& bus, const QString& property) const {
-        const auto answer = ask(bus, properties, QStringLiteral("Get"), {accessible, property});
-        return answer.isEmpty()
-                   ? std::string()
-                   : answer.constFirst().value<QDBusVariant>().variant().toString().toStdString();
+    [[nodiscard]] std::string name(const QDBusConnection& bus) const {
+        const auto answer = ask(bus, u"org.freedesktop.DBus.Properties"_s, u"Get"_s, {accessible, u"Name"_s});
+        return answer ? answer->value<QDBusVariant>().variant().toString().toStdString() : std::string();
     }
 };
 
 AccessibleTree::AccessibleTree(VirtualDesktop& desktop)
     : session_(QDBusConnection::connectToBus(
-          QString::fromStdString(desktop.environment().at("DBUS_SESSION_BUS_ADDRESS")),
-          QStringLiteral("test-session")))
-    , bus_(QStringLiteral("test-none")) {
-    const Reference bus{QStringLiteral("org.a11y.Bus"), QStringLiteral("/org/a11y/bus")};
-    const auto address = bus.ask(session_, QStringLiteral("org.a11y.Bus"), QStringLiteral("GetAddress"));
-    if (!address.isEmpty()) {
-        bus_ = QDBusConnection::connectToBus(address.constFirst().toString(),
-                                             QStringLiteral("test-accessibility"));
+          QString::fromStdString(desktop.environment().at("DBUS_SESSION_BUS_ADDRESS")), u"test-session"_s))
+    , bus_(u"test-none"_s) {
+    const Reference bus{u"org.a11y.Bus"_s, u"/org/a11y/bus"_s};
+    const auto address = bus.ask(session_, u"org.a11y.Bus"_s, u"GetAddress"_s);
+    if (address) {
+        bus_ = QDBusConnection::connectToBus(address->toString(), u"test-accessibility"_s);
     }
 }
 
 AccessibleTree::~AccessibleTree() {
-    QDBusConnection::disconnectFromBus(QStringLiteral("test-accessibility"));
-    QDBusConnection::disconnectFromBus(QStringLiteral("test-session"));
+    QDBusConnection::disconnectFromBus(u"test-accessibility"_s);
+    QDBusConnection::disconnectFromBus(u"test-session"_s);
 }
 
 std::vector<AccessibleTree::Reference> AccessibleTree::children(const Reference& parent) const {
     std::vector<Reference> result;
-    const auto answer = parent.ask(bus_, accessible, QStringLiteral("GetChildren"));
-    if (answer.isEmpty() || answer.constFirst().userType() != qMetaTypeId<QDBusArgument>()) {
+    const auto answer = parent.ask(bus_, accessible, u"GetChildren"_s);
+    if (!answer || answer->userType() != qMetaTypeId<QDBusArgument>()) {
         return result;
     }
-    const auto list = answer.constFirst().value<QDBusArgument>();
+    const auto list = answer->value<QDBusArgument>();
     list.beginArray();
     while (!list.atEnd()) {
         QString service;
@@ -75,26 +77,15 @@ std::vector<AccessibleTree::Reference> AccessibleTree::children(const Reference&
 }
 
 AccessibleNode AccessibleTree::read(const Reference& reference) const {
-    AccessibleNode node;
-    node.name = reference.text(bus_, QStringLiteral("Name"));
-    node.description = reference.text(bus_, QStringLiteral("Description"));
-    const auto role = reference.ask(bus_, accessible, QStringLiteral("GetRole"));
-    node.role = role.isEmpty() ? 0 : role.constFirst().toUInt();
-    const auto states = reference.ask(bus_, accessible, QStringLiteral("GetState"));
-    if (!states.isEmpty()) {
-        for (const uint word : qdbus_cast<QList<uint>>(states.constFirst())) {
-            node.states.push_back(word);
-        }
-    }
-    const auto extents = reference.ask(bus_, QStringLiteral("org.a11y.atspi.Component"),
-                                       QStringLiteral("GetExtents"), {coordinatesOfScreen});
-    if (!extents.isEmpty() && extents.constFirst().userType() == qMetaTypeId<QDBusArgument>()) {
-        const auto place = extents.constFirst().value<QDBusArgument>();
-        place.beginStructure();
-        place >> node.place.x >> node.place.y >> node.place.width >> node.place.height;
-        place.endStructure();
-    }
-    return node;
+    const auto ask = [&](const QString& interface, const QString& method,
+                         const QVariantList& arguments = {}) {
+        return reference.ask(bus_, interface, method, arguments).value_or(QVariant());
+    };
+    const QRect place =
+        qdbus_cast<QRect>(ask(u"org.a11y.atspi.Component"_s, u"GetExtents"_s, {coordinatesOfScreen}));
+    return {.name = reference.name(bus_),
+            .states = qdbus_cast<QList<uint>>(ask(accessible, u"GetState"_s)),
+            .place = {place.x(), place.y(), place.width(), place.height()}};
 }
 
 void AccessibleTree::collect(const Reference& parent, std::vector<AccessibleNode>& nodes, int depth) const {
@@ -112,10 +103,9 @@ void AccessibleTree::collect(const Reference& parent, std::vector<AccessibleNode
 
 std::vector<AccessibleNode> AccessibleTree::shown(const std::string& program) const {
     std::vector<AccessibleNode> nodes;
-    const Reference registry{QStringLiteral("org.a11y.atspi.Registry"),
-                             QStringLiteral("/org/a11y/atspi/accessible/root")};
+    const Reference registry{u"org.a11y.atspi.Registry"_s, u"/org/a11y/atspi/accessible/root"_s};
     for (const Reference& application : children(registry)) {
-        if (application.text(bus_, QStringLiteral("Name")) == program) {
+        if (application.name(bus_) == program) {
             collect(application, nodes, 0);
         }
     }
@@ -134,17 +124,13 @@ std::optional<AccessibleNode> AccessibleTree::find(const std::string& program,
 }
 
 bool AccessibleTree::perform(const std::string& action) const {
-    const bool isActivation = action.empty();
-    auto message = QDBusMessage::createMethodCall(
-        QStringLiteral("com.corvane.skylet"), QStringLiteral("/com/corvane/skylet"),
-        QStringLiteral("org.freedesktop.Application"),
-        isActivation ? QStringLiteral("Activate") : QStringLiteral("ActivateAction"));
-    if (isActivation) {
-        message << QVariantMap();
-    } else {
-        message << QString::fromStdString(action) << QVariantList() << QVariantMap();
-    }
-    return session_.call(message, QDBus::Block, milliseconds).type() == QDBusMessage::ReplyMessage;
+    const Reference skylet{u"com.corvane.skylet"_s, u"/com/corvane/skylet"_s};
+    const auto interface = u"org.freedesktop.Application"_s;
+    const QString name = QString::fromStdString(action);
+    return action.empty()
+               ? skylet.ask(session_, interface, u"Activate"_s, {QVariantMap()}).has_value()
+               : skylet.ask(session_, interface, u"ActivateAction"_s, {name, QVariantList(), QVariantMap()})
+                     .has_value();
 }
 
 } // namespace skylet::desktop

@@ -7,6 +7,7 @@
 #include "VirtualDesktop.h"
 
 #include <QDBusConnection>
+#include <QList>
 
 #include <optional>
 #include <string>
@@ -14,24 +15,17 @@
 
 namespace skylet::desktop {
 
-// Roles and states by the numbers of the protocol (AtspiRole, AtspiStateType).
-constexpr unsigned roleCheckBox = 7;
-constexpr unsigned roleDocumentWeb = 95;
+// States by the numbers of the protocol (AtspiStateType).
 constexpr int stateChecked = 4;
 constexpr int stateFocusable = 11;
 constexpr int stateShowing = 25;
 
 struct AccessibleNode {
     std::string name;
-    std::string description;
-    unsigned role = 0;
-    std::vector<unsigned> states; // two words of bits
+    QList<unsigned> states; // two words of bits
     Rectangle place;
 
-    [[nodiscard]] bool is(int state) const {
-        const auto word = static_cast<std::size_t>(state / 32);
-        return word < states.size() && ((states[word] >> (state % 32)) & 1U) != 0;
-    }
+    [[nodiscard]] bool is(int state) const { return ((states.value(state / 32) >> (state % 32)) & 1U) != 0; }
 };
 
 class AccessibleTree {

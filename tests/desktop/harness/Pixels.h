@@ -19,7 +19,6 @@ struct Rectangle {
     bool operator==(const Rectangle&) const = default;
     [[nodiscard]] int right() const { return x + width; }
     [[nodiscard]] int bottom() const { return y + height; }
-    [[nodiscard]] Rectangle inset(int by) const { return {x + by, y + by, width - 2 * by, height - 2 * by}; }
 };
 
 std::ostream& operator<<(std::ostream& stream, const Rectangle& rectangle);

@@ -16,13 +16,6 @@
 namespace skylet::desktop {
 namespace {
 
-void closeDescriptor(int& descriptor) {
-    if (descriptor >= 0) {
-        ::close(descriptor);
-    }
-    descriptor = -1;
-}
-
 std::vector<char*> pointers(std::vector<std::string>& texts) {
     std::vector<char*> result;
     result.reserve(texts.size() + 1);
@@ -48,8 +41,7 @@ std::vector<pid_t> childrenOf(pid_t pid) {
 
 } // namespace
 
-Process::Process(const Command& command, const Environment& environment, std::string errorPath,
-                 int inheritedDescriptor)
+Process::Process(const Command& command, const Environment& environment, std::string errorPath)
     : errorPath_(std::move(errorPath)) {
     std::vector<std::string> arguments = command;
     std::vector<std::string> variables;
@@ -75,9 +67,6 @@ Process::Process(const Command& command, const Environment& environment, std::st
         if (errors >= 0) {
             ::dup2(errors, 2);
         }
-        if (inheritedDescriptor >= 0) {
-            ::fcntl(inheritedDescriptor, F_SETFD, 0);
-        }
         ::signal(SIGPIPE, SIG_DFL);
         sigset_t none;
         ::sigemptyset(&none);
@@ -96,32 +85,23 @@ Process::Process(const Command& command, const Environment& environment, std::st
     output_ = output[0];
 }
 
-Process::Process(Process&& other) noexcept {
-    *this = std::move(other);
-}
-
 Process& Process::operator=(Process&& other) noexcept {
-    if (this != &other) {
-        stop();
-        closeDescriptors();
-        pid_ = std::exchange(other.pid_, -1);
-        exitCode_ = std::exchange(other.exitCode_, std::nullopt);
-        input_ = std::exchange(other.input_, -1);
-        output_ = std::exchange(other.output_, -1);
-        pending_ = std::move(other.pending_);
-        errorPath_ = std::move(other.errorPath_);
-    }
+    std::swap(pid_, other.pid_);
+    std::swap(exitCode_, other.exitCode_);
+    std::swap(input_, other.input_);
+    std::swap(output_, other.output_);
+    std::swap(pending_, other.pending_);
+    std::swap(errorPath_, other.errorPath_);
     return *this;
 }
 
 Process::~Process() {
     stop();
-    closeDescriptors();
-}
-
-void Process::closeDescriptors() {
-    closeDescriptor(input_);
-    closeDescriptor(output_);
+    for (const int descriptor : {input_, output_}) {
+        if (descriptor >= 0) {
+            ::close(descriptor);
+        }
+    }
 }
 
 bool Process::isRunning() {
@@ -224,11 +204,7 @@ std::vector<pid_t> descendantsNamed(const std::string& name) {
 
 void endDescendants() {
     // A round ends one generation; its children become ours and are ended in the next.
-    for (int round = 0; round < 50; ++round) {
-        const std::vector<pid_t> children = childrenOf(::getpid());
-        if (children.empty()) {
-            return;
-        }
+    for (auto children = childrenOf(::getpid()); !children.empty(); children = childrenOf(::getpid())) {
         for (const pid_t child : children) {
             ::kill(child, SIGKILL);
             ::waitpid(child, nullptr, 0);

@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 #include <sys/types.h>
+#include <utility>
 #include <vector>
 
 namespace skylet::desktop {
@@ -24,9 +25,9 @@ class Process {
     Process() = default;
     // Starts `command` with exactly this environment. Standard error goes to the file `errorPath`, or stays
     // ours when it is empty. Standard input and output are pipes of ours.
-    Process(const Command& command, const Environment& environment, std::string errorPath = {},
-            int inheritedDescriptor = -1);
-    Process(Process&& other) noexcept;
+    Process(const Command& command, const Environment& environment, std::string errorPath = {});
+    Process(Process&& other) noexcept { *this = std::move(other); }
+    // What this one was ends together with the other one.
     Process& operator=(Process&& other) noexcept;
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
@@ -46,8 +47,6 @@ class Process {
     [[nodiscard]] std::string errorOutput() const;
 
   private:
-    void closeDescriptors();
-
     pid_t pid_ = -1;
     std::optional<int> exitCode_;
     int input_ = -1;

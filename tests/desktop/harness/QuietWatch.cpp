@@ -34,10 +34,6 @@ void QuietWatch::expectPointer(std::pair<int, int> place) {
     pointer_ = place;
 }
 
-void QuietWatch::ignorePointer() {
-    expectPointer({-1, -1});
-}
-
 std::vector<std::string> QuietWatch::disturbances() const {
     const std::lock_guard lock(mutex_);
     return notes_;
@@ -70,7 +66,6 @@ void QuietWatch::watch() {
                 note("pointer at " + std::to_string(pointer.first) + "," + std::to_string(pointer.second));
             }
         }
-        ++looks_;
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
 }

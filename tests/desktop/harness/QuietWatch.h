@@ -24,10 +24,9 @@ class QuietWatch {
     // From now on the pointer may be only here.
     void expectPointer(std::pair<int, int> place);
     // The pointer is on its way.
-    void ignorePointer();
+    void ignorePointer() { expectPointer({-1, -1}); }
     // What was seen that differs from the beginning, each once; empty is good.
     [[nodiscard]] std::vector<std::string> disturbances() const;
-    [[nodiscard]] int looks() const { return looks_; }
 
   private:
     struct State {
@@ -43,7 +42,6 @@ class QuietWatch {
     XSession x_;
     State start_;
     std::atomic<bool> ends_ = false;
-    std::atomic<int> looks_ = 0;
     mutable std::mutex mutex_;
     std::pair<int, int> pointer_{-1, -1}; // a negative place is any
     std::vector<std::string> notes_;

@@ -25,7 +25,7 @@ SkyletProgram::SkyletProgram(VirtualDesktop& desktop, Preferences preferences) :
     process_ = desktop.start({SKYLET_BUILD_FOLDER "/skylet"}, "skylet.err");
 }
 
-SkyletProgram::SkyletProgram(VirtualDesktop& desktop, std::nullptr_t)
+SkyletProgram::SkyletProgram(VirtualDesktop& desktop, Bare)
     : desktop_(desktop)
     , process_(desktop.start({SKYLET_BUILD_FOLDER "/skylet"}, "skylet.err")) {
     forgetLog();
@@ -91,7 +91,7 @@ std::optional<Window> SkyletProgram::overlayInFront() const {
     }
     const XSession& x = desktop_.x();
     const std::optional<Rectangle> place = x.geometry(all.front());
-    const std::vector<Rectangle> shape = x.boundingShape(all.front());
+    const std::vector<Rectangle> shape = x.shape(all.front(), XCB_SHAPE_SK_BOUNDING);
     const bool whole = place && shape.size() == 1 && shape.front().width >= place->width &&
                        shape.front().height >= place->height;
     const std::vector<Window> stack = x.children(x.root());
@@ -113,6 +113,32 @@ bool SkyletProgram::mirrors(Window target) const {
     }
     const auto place = desktop_.x().geometry(*overlay);
     return place && desktop_.x().screenshot(*place) == wanted->cut({0, 0, place->width, place->height});
+}
+
+SkyletProgram::Icon SkyletProgram::icon() const {
+    constexpr int panelHeight = 60; // at most
+    const Rectangle screen = desktop_.x().screen();
+    const Picture panel =
+        desktop_.x().screenshot({0, screen.height - panelHeight, screen.width, panelHeight});
+    Icon icon;
+    int left = panel.width;
+    int top = panel.height;
+    int right = 0;
+    int bottom = 0;
+    for (int y = 0; y < panel.height; ++y) {
+        for (int x = 0; x < panel.width; ++x) {
+            const std::uint32_t colour = panel.at(x, y);
+            if ((colour >> 16) > 200 && ((colour >> 8) & 0xFF) < 100 && (colour & 0xFF) < 100) {
+                ++icon.pixels;
+                left = std::min(left, x);
+                top = std::min(top, y);
+                right = std::max(right, x);
+                bottom = std::max(bottom, y);
+            }
+        }
+    }
+    icon.place = {left, screen.height - panelHeight + top, right - left, bottom - top};
+    return icon;
 }
 
 long SkyletProgram::proportionalMemory() const {

@@ -19,7 +19,8 @@ class SkyletProgram {
     // Writes the preferences, with the log switched on, and starts the program.
     explicit SkyletProgram(VirtualDesktop& desktop, Preferences preferences = {});
     // Starts it with the preferences as they are.
-    static SkyletProgram startBare(VirtualDesktop& desktop) { return SkyletProgram(desktop, nullptr); }
+    struct Bare {};
+    SkyletProgram(VirtualDesktop& desktop, Bare);
 
     [[nodiscard]] Process& process() { return process_; }
     [[nodiscard]] std::string errorOutput() const { return process_.errorOutput(); }
@@ -46,12 +47,17 @@ class SkyletProgram {
     // The only overlay shows exactly the target's present picture, at 1:1, and in the same place if asked.
     [[nodiscard]] bool mirrors(Window target) const;
 
+    // Its red icon in a panel at the screen's lower edge.
+    struct Icon {
+        int pixels = 0;
+        Rectangle place;
+    };
+    [[nodiscard]] Icon icon() const;
+
     [[nodiscard]] long proportionalMemory() const; // kB
     [[nodiscard]] int openDescriptors() const;
 
   private:
-    SkyletProgram(VirtualDesktop& desktop, std::nullptr_t);
-
     VirtualDesktop& desktop_;
     Process process_;
     std::size_t skipped_ = 0;

@@ -13,8 +13,6 @@ std::string makeFolder() {
     return ::mkdtemp(name.data()) ? name : std::string();
 }
 
-constexpr const char* sessionBusPath = "runtime/bus";
-
 } // namespace
 
 VirtualDesktop::VirtualDesktop(const DesktopOptions& options) : folder_(makeFolder()) {
@@ -67,44 +65,32 @@ Process VirtualDesktop::start(const Command& command, const std::string& errorFi
 }
 
 bool VirtualDesktop::startServer(const DesktopOptions& options) {
-    int display[2] = {-1, -1};
-    if (::pipe(display) != 0) {
-        return false;
-    }
     const std::string size = std::to_string(options.width) + "x" + std::to_string(options.height) + "x24";
-    server_ = Process({"Xvfb", "-displayfd", std::to_string(display[1]), "-screen", "0", size, "-nolisten",
-                       "tcp", "-noreset"},
-                      environment_, path("server.err"), display[1]);
-    ::close(display[1]);
-    // The server writes its number once it takes clients; end of file tells that it ended.
-    std::string number;
-    for (char digit = 0; ::read(display[0], &digit, 1) == 1 && digit != '\n';) {
-        number += digit;
-    }
-    ::close(display[0]);
-    if (number.empty()) {
+    server_ = start({"Xvfb", "-displayfd", "1", "-screen", "0", size, "-nolisten", "tcp", "-noreset"},
+                    "server.err");
+    // The server writes its number once it takes clients.
+    const std::optional<std::string> number = server_.readLine();
+    if (!number) {
         return false;
     }
-    environment_["DISPLAY"] = ":" + number;
+    environment_["DISPLAY"] = ":" + *number;
     session_ = std::make_unique<XSession>(environment_["DISPLAY"]);
     return session_->isConnected() && (!options.twoMonitors || splitScreen());
 }
 
 bool VirtualDesktop::splitScreen() {
-    // Side by side; the server's one output belongs to the left monitor.
-    const Rectangle all = session_->screen();
-    const std::string half = std::to_string(all.width / 2) + "/" + std::to_string(all.width / 8) + "x" +
-                             std::to_string(all.height) + "/" + std::to_string(all.height / 4);
-    return run({"xrandr", "--setmonitor", "left", half + "+0+0", "screen"}, environment_) == 0 &&
-           run({"xrandr", "--setmonitor", "right", half + "+" + std::to_string(all.width / 2) + "+0", "none"},
-               environment_) == 0;
+    // Side by side, of the default size; the server's one output belongs to the left monitor.
+    const std::string half = "640/160x800/200+";
+    return run({"xrandr", "--setmonitor", "left", half + "0+0", "screen"}, environment_) == 0 &&
+           run({"xrandr", "--setmonitor", "right", half + "640+0", "none"}, environment_) == 0;
 }
 
 bool VirtualDesktop::startSessionBus() {
-    environment_["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=" + path(sessionBusPath);
-    sessionBus_ = start({"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address",
-                         "--address=unix:path=" + path(sessionBusPath)},
-                        "bus.err");
+    const std::string address = "unix:path=" + path("runtime/bus");
+    environment_["DBUS_SESSION_BUS_ADDRESS"] = address;
+    sessionBus_ = start(
+        {"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address", "--address=" + address},
+        "bus.err");
     return sessionBus_.readLine().has_value();
 }
 
@@ -132,12 +118,15 @@ void VirtualDesktop::killAccessibilityBus() {
 bool VirtualDesktop::changeWindowManager(WindowManagerKind kind) {
     stopCompositor();
     windowManager_.stop();
-    const WindowManager manager = describe(kind, path("config"));
+    const WindowManager& manager = describe(kind);
     if (manager.command.empty()) {
         return true;
     }
     if (!eventually([this] { return !session_->hasWindowManager(); })) {
         return false;
+    }
+    if (!manager.configPath.empty()) {
+        writeFile(configPath(manager.configPath), manager.config);
     }
     Environment environment = environment_;
     environment.insert(manager.environment.begin(), manager.environment.end());
@@ -153,10 +142,6 @@ bool VirtualDesktop::changeWindowManager(WindowManagerKind kind) {
 bool VirtualDesktop::startCompositor() {
     compositor_ = start({"picom", "--backend", "xrender", "--config", "/dev/null"}, "compositor.err");
     return eventually([this] { return session_->hasCompositor(); });
-}
-
-void VirtualDesktop::stopCompositor() {
-    compositor_.stop();
 }
 
 } // namespace skylet::desktop

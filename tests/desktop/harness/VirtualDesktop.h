@@ -16,7 +16,7 @@ struct DesktopOptions {
     WindowManagerKind windowManager = WindowManagerKind::openbox;
     int width = 1280;
     int height = 800;
-    bool twoMonitors = false;
+    bool twoMonitors = false; // of half the default width each
     bool sessionBus = true;
     bool accessibility = true; // needs the session bus
 };
@@ -42,7 +42,7 @@ class VirtualDesktop {
     bool changeWindowManager(WindowManagerKind kind);
     // A compositor beside the window manager.
     bool startCompositor();
-    void stopCompositor();
+    void stopCompositor() { compositor_.stop(); }
     [[nodiscard]] Process& sessionBus() { return sessionBus_; }
     void killAccessibilityBus();
     void killServer() { server_.signal(9); }

@@ -23,15 +23,18 @@ enum class WindowManagerKind {
 };
 
 struct WindowManager {
-    Command command{}; // empty for none
+    std::string name{}; // can stand in a test's name
+    Command command{};  // empty for none
     Environment environment{};
+    std::string configPath{}; // of a configuration file that it needs
+    std::string config{};
     bool compositing = false;
     bool withPicom = false;
 };
 
-// A name that can stand in a test's name.
-[[nodiscard]] std::string nameOf(WindowManagerKind kind);
-// `configFolder` is where a configuration file may be written that the program needs.
-[[nodiscard]] WindowManager describe(WindowManagerKind kind, const std::string& configFolder);
+[[nodiscard]] const WindowManager& describe(WindowManagerKind kind);
+[[nodiscard]] inline std::string nameOf(WindowManagerKind kind) {
+    return describe(kind).name;
+}
 
 } // namespace skylet::desktop

@@ -4,11 +4,8 @@
 
 #include <xcb/composite.h>
 #include <xcb/res.h>
-#include <xcb/shape.h>
 
 #include <algorithm>
-#include <array>
-#include <cstring>
 
 namespace skylet::desktop {
 namespace {
@@ -16,19 +13,10 @@ namespace {
 // A window manager takes these as a pager's word, which means the user's.
 constexpr std::uint32_t sourcePager = 2;
 
-std::vector<std::uint32_t> words(const xcb_get_property_reply_t* reply) {
-    std::vector<std::uint32_t> result;
-    if (reply && reply->format == 32) {
-        const auto count = static_cast<std::size_t>(xcb_get_property_value_length(reply)) / 4;
-        const auto* first = static_cast<const std::uint32_t*>(xcb_get_property_value(reply));
-        result.assign(first, first + count);
-    }
-    return result;
-}
-
 } // namespace
 
-XSession::XSession(const std::string& display) : connection_(xcb_connect(display.c_str(), nullptr)) {
+XSession::XSession(const std::string& display)
+    : connection_(xcb_connect(display.empty() ? nullptr : display.c_str(), nullptr)) {
     if (!isConnected()) {
         return;
     }
@@ -80,7 +68,12 @@ Reply<xcb_get_property_reply_t> XSession::property(Window window, const std::str
 }
 
 std::vector<std::uint32_t> XSession::numbers(Window window, const std::string& name) const {
-    return words(property(window, name).get());
+    const auto reply = property(window, name);
+    if (!reply || reply->format != 32) {
+        return {};
+    }
+    const auto* first = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+    return {first, first + xcb_get_property_value_length(reply.get()) / 4};
 }
 
 std::string XSession::text(Window window, const std::string& name) const {
@@ -92,13 +85,6 @@ std::string XSession::text(Window window, const std::string& name) const {
             static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
 }
 
-void XSession::setNumbers(Window window, const std::string& name, xcb_atom_t type,
-                          const std::vector<std::uint32_t>& values) const {
-    xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, window, atom(name), type, 32,
-                        static_cast<std::uint32_t>(values.size()), values.data());
-    sync();
-}
-
 void XSession::tellRoot(Window window, const std::string& message,
                         const std::vector<std::uint32_t>& values) const {
     xcb_client_message_event_t event{};
@@ -107,10 +93,9 @@ void XSession::tellRoot(Window window, const std::string& message,
     event.window = window;
     event.type = atom(message);
     std::copy_n(values.begin(), std::min<std::size_t>(values.size(), 5), event.data.data32);
-    std::array<char, 32> bytes{};
-    std::memcpy(bytes.data(), &event, sizeof event);
     xcb_send_event(connection(), 0, root_,
-                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY, bytes.data());
+                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&event));
     sync();
 }
 
@@ -175,39 +160,29 @@ std::optional<Rectangle> XSession::visibleGeometry(Window window) const {
     return result;
 }
 
+Reply<xcb_get_window_attributes_reply_t> XSession::attributes(Window window) const {
+    return own(xcb_get_window_attributes_reply(connection(), xcb_get_window_attributes(connection(), window),
+                                               nullptr));
+}
+
 bool XSession::isViewable(Window window) const {
-    const auto reply = own(xcb_get_window_attributes_reply(
-        connection(), xcb_get_window_attributes(connection(), window), nullptr));
+    const auto reply = attributes(window);
     return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
 }
 
 bool XSession::isOverrideRedirect(Window window) const {
-    const auto reply = own(xcb_get_window_attributes_reply(
-        connection(), xcb_get_window_attributes(connection(), window), nullptr));
+    const auto reply = attributes(window);
     return reply && reply->override_redirect != 0;
 }
 
 bool XSession::isInputOnly(Window window) const {
-    const auto reply = own(xcb_get_window_attributes_reply(
-        connection(), xcb_get_window_attributes(connection(), window), nullptr));
+    const auto reply = attributes(window);
     return reply && reply->_class == XCB_WINDOW_CLASS_INPUT_ONLY;
 }
 
-bool XSession::isInputShaped(Window window) const {
-    const auto place = geometry(window);
+std::vector<Rectangle> XSession::shape(Window window, xcb_shape_sk_t kind) const {
     const auto reply = own(xcb_shape_get_rectangles_reply(
-        connection(), xcb_shape_get_rectangles(connection(), window, XCB_SHAPE_SK_INPUT), nullptr));
-    if (!place || !reply) {
-        return false;
-    }
-    const xcb_rectangle_t* parts = xcb_shape_get_rectangles_rectangles(reply.get());
-    const int count = xcb_shape_get_rectangles_rectangles_length(reply.get());
-    return count != 1 || parts->width < place->width || parts->height < place->height;
-}
-
-std::vector<Rectangle> XSession::boundingShape(Window window) const {
-    const auto reply = own(xcb_shape_get_rectangles_reply(
-        connection(), xcb_shape_get_rectangles(connection(), window, XCB_SHAPE_SK_BOUNDING), nullptr));
+        connection(), xcb_shape_get_rectangles(connection(), window, kind), nullptr));
     std::vector<Rectangle> result;
     if (reply) {
         const xcb_rectangle_t* first = xcb_shape_get_rectangles_rectangles(reply.get());
@@ -219,17 +194,11 @@ std::vector<Rectangle> XSession::boundingShape(Window window) const {
 }
 
 Window XSession::topLevelOf(Window window) const {
-    while (true) {
-        const auto tree =
-            own(xcb_query_tree_reply(connection(), xcb_query_tree(connection(), window), nullptr));
-        if (!tree) {
-            return XCB_NONE;
-        }
-        if (tree->parent == root_ || tree->parent == XCB_NONE) {
-            return window;
-        }
-        window = tree->parent;
+    const auto tree = own(xcb_query_tree_reply(connection(), xcb_query_tree(connection(), window), nullptr));
+    if (!tree) {
+        return XCB_NONE;
     }
+    return tree->parent == root_ || tree->parent == XCB_NONE ? window : topLevelOf(tree->parent);
 }
 
 Window XSession::activeWindow() const {
@@ -255,9 +224,7 @@ bool XSession::hasWindowManager() const {
 }
 
 bool XSession::hasCompositor() const {
-    const auto cookie = xcb_get_selection_owner(connection(), atom("_NET_WM_CM_S0"));
-    const auto owner = own(xcb_get_selection_owner_reply(connection(), cookie, nullptr));
-    return owner && owner->owner != XCB_NONE;
+    return selectionOwner("_NET_WM_CM_S0") != XCB_NONE;
 }
 
 bool XSession::windowManagerAnswers() const {
@@ -284,18 +251,13 @@ std::uint32_t XSession::serverTime() const {
     xcb_change_property(connection(), XCB_PROP_MODE_APPEND, own_, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8, 0,
                         nullptr);
     xcb_flush(connection());
-    std::uint32_t time = XCB_CURRENT_TIME;
-    (void)eventually([&] {
-        while (const auto event = own(xcb_poll_for_event(connection()))) {
-            if ((event->response_type & 0x7F) == XCB_PROPERTY_NOTIFY) {
-                xcb_property_notify_event_t notify;
-                std::memcpy(&notify, event.get(), sizeof notify);
-                time = notify.time;
-            }
+    // A lost server ends the waiting with no event.
+    while (const auto event = own(xcb_wait_for_event(connection()))) {
+        if ((event->response_type & 0x7F) == XCB_PROPERTY_NOTIFY) {
+            return reinterpret_cast<const xcb_property_notify_event_t*>(event.get())->time;
         }
-        return time != XCB_CURRENT_TIME || !isConnected();
-    });
-    return time;
+    }
+    return XCB_CURRENT_TIME;
 }
 
 void XSession::activate(Window window) {
@@ -321,12 +283,7 @@ void XSession::moveResize(Window window, Rectangle geometry) const {
 }
 
 void XSession::close(Window window) {
-    if (hasWindowManager()) {
-        tellRoot(window, "_NET_CLOSE_WINDOW", {serverTime(), sourcePager});
-    } else {
-        xcb_destroy_window(connection(), window);
-        sync();
-    }
+    tellRoot(window, "_NET_CLOSE_WINDOW", {serverTime(), sourcePager});
 }
 
 void XSession::switchDesktop(std::uint32_t desktop) {
@@ -337,11 +294,6 @@ void XSession::moveToDesktop(Window window, std::uint32_t desktop) {
     tellRoot(window, "_NET_WM_DESKTOP", {desktop, sourcePager});
 }
 
-void XSession::killClient(Window window) const {
-    xcb_kill_client(connection(), window);
-    sync();
-}
-
 std::map<std::string, int> XSession::resourcesOf(pid_t pid) const {
     std::map<std::string, int> result;
     const auto clients =
@@ -350,12 +302,9 @@ std::map<std::string, int> XSession::resourcesOf(pid_t pid) const {
         return result;
     }
     for (auto i = xcb_res_query_clients_clients_iterator(clients.get()); i.rem > 0; xcb_res_client_next(&i)) {
-        if (pidOf(i.data->resource_base) != pid) {
-            continue;
-        }
         const auto types = own(xcb_res_query_client_resources_reply(
             connection(), xcb_res_query_client_resources(connection(), i.data->resource_base), nullptr));
-        if (!types) {
+        if (pidOf(i.data->resource_base) != pid || !types) {
             continue;
         }
         for (auto type = xcb_res_query_client_resources_types_iterator(types.get()); type.rem > 0;

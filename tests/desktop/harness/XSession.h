@@ -7,6 +7,7 @@
 
 #include "Pixels.h"
 
+#include <xcb/shape.h>
 #include <xcb/xcb.h>
 
 #include <cstdint>
@@ -32,10 +33,12 @@ Reply<T> own(T* reply) {
     return Reply<T>(reply);
 }
 
-enum class Modifier : std::uint8_t { control, super, shift, alt };
+// By the keysym of its left-hand key.
+enum class Modifier : xcb_keysym_t { control = 0xFFE3, super = 0xFFEB, shift = 0xFFE1, alt = 0xFFE9 };
 
 class XSession {
   public:
+    // An empty display is that of the environment.
     explicit XSession(const std::string& display);
 
     [[nodiscard]] bool isConnected() const;
@@ -49,10 +52,6 @@ class XSession {
     [[nodiscard]] xcb_atom_t atom(const std::string& name) const;
     [[nodiscard]] std::vector<std::uint32_t> numbers(Window window, const std::string& property) const;
     [[nodiscard]] std::string text(Window window, const std::string& property) const;
-    void setNumbers(Window window, const std::string& property, xcb_atom_t type,
-                    const std::vector<std::uint32_t>& values) const;
-    // Asks the window manager, as a pager does.
-    void tellRoot(Window window, const std::string& message, const std::vector<std::uint32_t>& values) const;
 
     // Windows.
     [[nodiscard]] std::vector<Window> children(Window window) const; // bottom to top
@@ -65,8 +64,7 @@ class XSession {
     [[nodiscard]] bool isViewable(Window window) const;
     [[nodiscard]] bool isOverrideRedirect(Window window) const;
     [[nodiscard]] bool isInputOnly(Window window) const;
-    [[nodiscard]] bool isInputShaped(Window window) const;
-    [[nodiscard]] std::vector<Rectangle> boundingShape(Window window) const;
+    [[nodiscard]] std::vector<Rectangle> shape(Window window, xcb_shape_sk_t kind) const;
     // The child of the root that holds the window.
     [[nodiscard]] Window topLevelOf(Window window) const;
     [[nodiscard]] Window activeWindow() const;
@@ -84,7 +82,6 @@ class XSession {
     void close(Window window);
     void switchDesktop(std::uint32_t desktop);
     void moveToDesktop(Window window, std::uint32_t desktop);
-    void killClient(Window window) const;
 
     // Pixels.
     [[nodiscard]] Picture screenshot(Rectangle part) const;
@@ -93,8 +90,11 @@ class XSession {
     [[nodiscard]] std::optional<Picture> content(Window window) const;
 
     // Keyboard and pointer.
-    void press(xcb_keysym_t key, const std::vector<Modifier>& modifiers) const;
-    void hold(xcb_keysym_t key, bool down) const;
+    void press(xcb_keysym_t key, const std::vector<Modifier>& modifiers = {}) const;
+    void hold(Modifier modifier, bool down) const;
+    // Takes the key for itself, as another program does. Whether it was free.
+    [[nodiscard]] bool grabKey(xcb_keysym_t key, std::uint16_t modifiers) const;
+    void ungrabKey(xcb_keysym_t key, std::uint16_t modifiers) const;
     // Every client is told that the keyboard's mapping changed, as at a change of layout or keyboard.
     void announceKeyboard() const;
     void movePointer(int x, int y) const;
@@ -116,6 +116,9 @@ class XSession {
     };
 
     [[nodiscard]] Reply<xcb_get_property_reply_t> property(Window window, const std::string& name) const;
+    [[nodiscard]] Reply<xcb_get_window_attributes_reply_t> attributes(Window window) const;
+    // Asks the window manager, as a pager does.
+    void tellRoot(Window window, const std::string& message, const std::vector<std::uint32_t>& values) const;
     [[nodiscard]] std::uint32_t serverTime() const;
     void fake(std::uint8_t type, int detail, int x, int y) const;
 

@@ -4,28 +4,9 @@
 #include <xcb/xtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 
 namespace skylet::desktop {
-namespace {
-
-// Keysyms of the left-hand modifier keys.
-constexpr xcb_keysym_t modifierKey(Modifier modifier) {
-    switch (modifier) {
-    case Modifier::control:
-        return 0xFFE3;
-    case Modifier::super:
-        return 0xFFEB;
-    case Modifier::shift:
-        return 0xFFE1;
-    case Modifier::alt:
-        return 0xFFE9;
-    }
-    return 0;
-}
-
-} // namespace
 
 xcb_keycode_t XSession::keycode(xcb_keysym_t key) const {
     const xcb_setup_t* setup = xcb_get_setup(connection());
@@ -49,8 +30,19 @@ void XSession::fake(std::uint8_t type, int detail, int x, int y) const {
                         static_cast<std::int16_t>(x), static_cast<std::int16_t>(y), 0);
 }
 
-void XSession::hold(xcb_keysym_t key, bool down) const {
-    fake(down ? XCB_KEY_PRESS : XCB_KEY_RELEASE, keycode(key), 0, 0);
+void XSession::hold(Modifier modifier, bool down) const {
+    fake(down ? XCB_KEY_PRESS : XCB_KEY_RELEASE, keycode(static_cast<xcb_keysym_t>(modifier)), 0, 0);
+    sync();
+}
+
+bool XSession::grabKey(xcb_keysym_t key, std::uint16_t modifiers) const {
+    const auto grab = xcb_grab_key_checked(connection(), 0, root_, modifiers, keycode(key),
+                                           XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    return !own(xcb_request_check(connection(), grab));
+}
+
+void XSession::ungrabKey(xcb_keysym_t key, std::uint16_t modifiers) const {
+    xcb_ungrab_key(connection(), keycode(key), root_, modifiers);
     sync();
 }
 
@@ -62,13 +54,11 @@ void XSession::announceKeyboard() const {
 
 void XSession::press(xcb_keysym_t key, const std::vector<Modifier>& modifiers) const {
     for (const Modifier modifier : modifiers) {
-        fake(XCB_KEY_PRESS, keycode(modifierKey(modifier)), 0, 0);
+        hold(modifier, true);
     }
     fake(XCB_KEY_PRESS, keycode(key), 0, 0);
     fake(XCB_KEY_RELEASE, keycode(key), 0, 0);
-    for (const Modifier modifier : std::vector<Modifier>(modifiers.rbegin(), modifiers.rend())) {
-        fake(XCB_KEY_RELEASE, keycode(modifierKey(modifier)), 0, 0);
-    }
+    std::for_each(modifiers.rbegin(), modifiers.rend(), [this](Modifier modifier) { hold(modifier, false); });
     sync();
 }
 
