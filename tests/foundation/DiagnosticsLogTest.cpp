@@ -6,11 +6,10 @@
 
 #include <QTemporaryDir>
 
-#include <condition_variable>
-#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <map>
 #include <mutex>
 #include <regex>
 #include <sys/stat.h>
@@ -21,45 +20,19 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A queue with a thread of its own, as in production.
-class ThreadQueue final : public platform::SerialQueue {
+// Work comes from several threads, one piece at a time and in its order, as in production.
+class LockedQueues final : public platform::SerialQueueFactory {
   public:
-    ~ThreadQueue() override {
-        async(nullptr);
-        thread_.join();
-    }
-    void async(platform::Work work) override {
-        const std::lock_guard lock(mutex_);
-        items_.push_back(std::move(work));
-        changed_.notify_one();
-    }
-
-  private:
-    void run() {
-        while (const platform::Work work = next()) {
-            work();
-        }
-    }
-    platform::Work next() {
-        std::unique_lock lock(mutex_);
-        changed_.wait(lock, [this] { return !items_.empty(); });
-        platform::Work work = std::move(items_.front());
-        items_.pop_front();
-        return work;
-    }
-
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    std::deque<platform::Work> items_;
-    std::thread thread_{[this] {
-        run();
-    }};
-};
-
-struct ThreadQueues final : platform::SerialQueueFactory {
     std::unique_ptr<platform::SerialQueue> makeSerialQueue(const std::string& name) override {
+        struct Queue final : platform::SerialQueue {
+            void async(platform::Work work) override {
+                const std::lock_guard lock(mutex);
+                work();
+            }
+            std::mutex mutex;
+        };
         label = name;
-        return std::make_unique<ThreadQueue>();
+        return std::make_unique<Queue>();
     }
     std::string label;
 };
@@ -96,15 +69,11 @@ class DiagnosticsLogTest : public testing::Test {
 
     QTemporaryDir directory;
     sim::SimDefaults defaults;
-    ThreadQueues queues;
+    LockedQueues queues;
 };
 
 TEST_F(DiagnosticsLogTest, OffMeansNoFileNoDirectoryAndNoMessage) {
-    for (const bool absent : {false, true}) {
-        defaults.setBool(PreferenceKeys::debugLogging, false);
-        if (absent) {
-            defaults.remove(PreferenceKeys::debugLogging);
-        }
+    const auto expectSilence = [this] {
         withLog([](DiagnosticsLog& log) {
             wplog(log, [] {
                 ADD_FAILURE() << "the message was built";
@@ -112,7 +81,11 @@ TEST_F(DiagnosticsLogTest, OffMeansNoFileNoDirectoryAndNoMessage) {
             });
         });
         EXPECT_FALSE(fs::exists(state()));
-    }
+    };
+    defaults.setBool(PreferenceKeys::debugLogging, false);
+    expectSilence();
+    defaults.remove(PreferenceKeys::debugLogging);
+    expectSilence();
 }
 
 TEST_F(DiagnosticsLogTest, WritesPrivateFilesAndTheExactLineFormat) {
@@ -158,15 +131,12 @@ TEST_F(DiagnosticsLogTest, LinesOfTwoThreadsStayWholeAndInOrder) {
         write('a');
         other.join();
     });
-    int expectedA = 0;
-    int expectedB = 0;
+    std::map<char, int> expected;
     for (const std::string& line : lines()) {
         const std::string message = line.substr(25);
-        int& expected = message[0] == 'a' ? expectedA : expectedB;
-        EXPECT_EQ(message.substr(1), " " + std::to_string(expected++));
+        EXPECT_EQ(message.substr(1), " " + std::to_string(expected[message[0]]++));
     }
-    EXPECT_EQ(expectedA, count);
-    EXPECT_EQ(expectedB, count);
+    EXPECT_EQ(expected, (std::map<char, int>{{'a', count}, {'b', count}}));
 }
 
 } // namespace

@@ -14,6 +14,12 @@ namespace skylet::sim {
 
 struct SimSurface final : platform::Surface {};
 
+struct SimFilter final : platform::ContentFilter {
+    explicit SimFilter(double pixelScale) : scale(pixelScale) {}
+    [[nodiscard]] double pointPixelScale() const override { return scale; }
+    double scale;
+};
+
 class SimScreenCapture;
 
 class SimStream final : public platform::CaptureStream {
@@ -26,7 +32,9 @@ class SimStream final : public platform::CaptureStream {
     bool running = false;
 
     // Sends a sample as the service would.
-    void deliver(const platform::Frame& frame, platform::OutputType type = platform::OutputType::screen);
+    void deliver(const platform::Frame& frame, platform::OutputType type = platform::OutputType::screen) {
+        queue_->async([handler = handler_, frame, type] { handler(type, frame); });
+    }
     // The system ends the stream.
     void end(const platform::CaptureError& error);
 
@@ -73,14 +81,30 @@ class SimScreenCapture final : public platform::ScreenCapture {
                              std::function<void(ShareableContent)> done) override;
     // Counts what is prepared; the picture of a simulated window is always whole.
     int prepared = 0;
-    [[nodiscard]] platform::Subscription prepareCapture(platform::WindowID window) override;
-    [[nodiscard]] platform::ContentFilterRef makeFilter(platform::WindowID desktopIndependentWindow) override;
+    [[nodiscard]] platform::Subscription prepareCapture(platform::WindowID /*window*/) override {
+        struct Preparation final : platform::SubscriptionBase {
+            explicit Preparation(int& preparations) : count(preparations) { ++count; }
+            ~Preparation() override { --count; }
+            int& count;
+        };
+        return std::make_unique<Preparation>(prepared);
+    }
+    [[nodiscard]] platform::ContentFilterRef makeFilter(platform::WindowID /*window*/) override {
+        return std::make_shared<SimFilter>(pixelScale);
+    }
     [[nodiscard]] std::shared_ptr<platform::CaptureStream>
-    makeStream(platform::ContentFilterRef filter, const platform::StreamConfiguration& configuration,
-               DidStopWithError didStop) override;
-    void captureImage(platform::ContentFilterRef filter, const platform::StreamConfiguration& configuration,
-                      std::function<void(Still)> done) override;
-    [[nodiscard]] std::unique_ptr<platform::SerialQueue> makeSampleQueue(const std::string& label) override;
+    makeStream(platform::ContentFilterRef /*filter*/, const platform::StreamConfiguration& configuration,
+               DidStopWithError didStop) override {
+        return std::make_shared<SimStream>(*this, configuration, std::move(didStop));
+    }
+    void captureImage(platform::ContentFilterRef /*filter*/, const platform::StreamConfiguration&,
+                      std::function<void(Still)> done) override {
+        ++stills;
+        answer(std::move(done), Still{.error = stillError, .image = stillError ? nullptr : stillImage});
+    }
+    [[nodiscard]] std::unique_ptr<platform::SerialQueue> makeSampleQueue(const std::string&) override {
+        return std::make_unique<SimSerialQueue>(&mainQueue_);
+    }
     [[nodiscard]] bool preflightAccess() override { return permitted; }
     bool requestAccess() override { return permitted; }
 

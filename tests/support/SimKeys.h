@@ -57,18 +57,13 @@ class SimEventTap final : public platform::EventTap {
 
 class SimEventPoster final : public platform::EventPoster {
   public:
-    struct Posted {
-        platform::SyntheticEvent event;
-        platform::ProcessID pid;
-    };
     bool permitted = true;
-    std::vector<Posted> posted;
-
     bool grantsOnRequest = false;
-    int requests = 0;
+    std::vector<std::pair<platform::SyntheticEvent, platform::ProcessID>> posted;
+    std::size_t requests = 0;
 
     void postToPid(const platform::SyntheticEvent& event, platform::ProcessID pid) override {
-        posted.push_back({event, pid});
+        posted.emplace_back(event, pid);
     }
     [[nodiscard]] bool preflightPostAccess() override { return permitted; }
     bool requestPostAccess() override {

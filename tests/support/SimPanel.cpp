@@ -7,19 +7,6 @@ namespace skylet::sim {
 using platform::EventType;
 using platform::InputEvent;
 
-SimPanel::SimPanel(SimPanelFactory& factory, platform::Rect frame,
-                   const platform::PanelConfiguration& panelConfiguration)
-    : configuration(panelConfiguration)
-    , level(panelConfiguration.level)
-    , factory_(factory)
-    , frame_(frame) {
-    factory_.panels.push_back(this);
-}
-
-SimPanel::~SimPanel() {
-    std::erase(factory_.panels, this);
-}
-
 void SimPanel::inject(EventType type, platform::Point location, std::uint64_t modifiers) {
     InputEvent event;
     event.type = type;
@@ -50,38 +37,12 @@ void SimPanel::inject(InputEvent event) {
     eventHandler_(event);
 }
 
-void SimPanel::endTracking() {
-    if (trackingHandler_) {
-        std::exchange(trackingHandler_, nullptr)(std::nullopt);
-    }
-}
-
 void SimPanel::setFrame(platform::Rect rect, bool /*display*/) {
     const bool resized = rect.size() != frame_.size();
     frame_ = rect;
     if (resized && resizeHandler_) {
         resizeHandler_();
     }
-}
-
-void SimPanel::animateAlpha(double value, double seconds) {
-    alpha = value;
-    animations.emplace_back(value, seconds);
-}
-
-platform::Decoration& SimPanel::addDecoration() {
-    return *decorations.emplace_back(std::make_unique<SimDecoration>());
-}
-
-void SimPanel::trackEvents(std::uint64_t mask, TrackingHandler handler) {
-    trackingMask_ = mask;
-    trackingHandler_ = std::move(handler);
-}
-
-void SimPanel::performWindowDrag(const InputEvent& mouseDown, std::function<void()> done) {
-    dragStart_ = mouseDown.locationOnScreen;
-    dragOrigin_ = frame_.origin();
-    dragDone_ = std::move(done);
 }
 
 } // namespace skylet::sim

@@ -4,6 +4,7 @@
 #include "platform/Panel.h"
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace skylet::sim {
@@ -26,15 +27,20 @@ struct SimLayer final : platform::Layer {
     platform::Rect frame;
 };
 
-class SimPanelFactory;
-
 class SimPanel final : public platform::Panel {
   public:
     enum class Order { out, front, back };
 
-    SimPanel(SimPanelFactory& factory, platform::Rect frame,
-             const platform::PanelConfiguration& configuration);
-    ~SimPanel() override;
+    // Stands in the list of `all` panels while it lives.
+    SimPanel(std::vector<SimPanel*>& all, platform::Rect frame,
+             const platform::PanelConfiguration& panelConfiguration)
+        : configuration(panelConfiguration)
+        , level(panelConfiguration.level)
+        , all_(all)
+        , frame_(frame) {
+        all_.push_back(this);
+    }
+    ~SimPanel() override { std::erase(all_, this); }
 
     platform::PanelConfiguration configuration;
     Order order = Order::out;
@@ -49,7 +55,11 @@ class SimPanel final : public platform::Panel {
     void inject(platform::EventType type, platform::Point location, std::uint64_t modifiers = 0);
     void inject(platform::InputEvent event);
     // No event will come any more.
-    void endTracking();
+    void endTracking() {
+        if (trackingHandler_) {
+            std::exchange(trackingHandler_, nullptr)(std::nullopt);
+        }
+    }
 
     [[nodiscard]] platform::Rect frame() const override { return frame_; }
     void setFrame(platform::Rect rect, bool display) override;
@@ -60,19 +70,31 @@ class SimPanel final : public platform::Panel {
     void orderBack() override { order = Order::back; }
     void orderOut() override { order = Order::out; }
     void setAlpha(double value) override { alpha = value; }
-    void animateAlpha(double value, double seconds) override;
+    void animateAlpha(double value, double seconds) override {
+        alpha = value;
+        animations.emplace_back(value, seconds);
+    }
     void setCollectionBehavior(std::uint32_t behavior) override {
         configuration.collectionBehavior = behavior;
     }
     [[nodiscard]] platform::Layer& contentLayer() override { return layer; }
-    [[nodiscard]] platform::Decoration& addDecoration() override;
+    [[nodiscard]] platform::Decoration& addDecoration() override {
+        return *decorations.emplace_back(std::make_unique<SimDecoration>());
+    }
     [[nodiscard]] std::optional<double> backingScaleFactor() const override { return scale; }
     void setEventHandler(EventHandler handler) override { eventHandler_ = std::move(handler); }
-    void trackEvents(std::uint64_t mask, TrackingHandler handler) override;
-    void performWindowDrag(const platform::InputEvent& mouseDown, std::function<void()> done) override;
+    void trackEvents(std::uint64_t mask, TrackingHandler handler) override {
+        trackingMask_ = mask;
+        trackingHandler_ = std::move(handler);
+    }
+    void performWindowDrag(const platform::InputEvent& mouseDown, std::function<void()> done) override {
+        dragStart_ = mouseDown.locationOnScreen;
+        dragOrigin_ = frame_.origin();
+        dragDone_ = std::move(done);
+    }
 
   private:
-    SimPanelFactory& factory_;
+    std::vector<SimPanel*>& all_;
     platform::Rect frame_;
     std::function<void()> resizeHandler_;
     EventHandler eventHandler_;
@@ -89,7 +111,7 @@ class SimPanelFactory final : public platform::PanelFactory {
 
     [[nodiscard]] std::unique_ptr<platform::Panel>
     makePanel(platform::Rect contentRect, const platform::PanelConfiguration& configuration) override {
-        return std::make_unique<SimPanel>(*this, contentRect, configuration);
+        return std::make_unique<SimPanel>(panels, contentRect, configuration);
     }
 };
 

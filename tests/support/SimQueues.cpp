@@ -12,9 +12,8 @@ constexpr double timeTolerance = 1e-9;
 struct SimMainQueue::Tick {
     double start = 0;
     double interval = 0;
-    int count = 1;
-    bool stopped = false;
     platform::Work work;
+    int count = 1;
 };
 
 void SimMainQueue::after(double seconds, platform::Work work) {
@@ -22,26 +21,20 @@ void SimMainQueue::after(double seconds, platform::Work work) {
 }
 
 platform::TimerRef SimMainQueue::every(double seconds, platform::Work work) {
-    class SimTimer final : public platform::Timer {
-      public:
-        explicit SimTimer(std::shared_ptr<Tick> tick) : tick_(std::move(tick)) {}
-        ~SimTimer() override { tick_->stopped = true; }
-
-      private:
-        std::shared_ptr<Tick> tick_;
+    struct SimTimer final : platform::Timer {
+        std::shared_ptr<Tick> tick;
     };
-    auto tick = std::make_shared<Tick>();
-    tick->start = now_;
-    tick->interval = seconds;
-    tick->work = std::move(work);
-    scheduleTick(tick);
-    return std::make_unique<SimTimer>(std::move(tick));
+    auto timer = std::make_unique<SimTimer>();
+    timer->tick = std::make_shared<Tick>(Tick{now_, seconds, std::move(work)});
+    scheduleTick(timer->tick);
+    return timer;
 }
 
-void SimMainQueue::scheduleTick(const std::shared_ptr<Tick>& tick) {
-    const double due = tick->start + tick->interval * tick->count++;
-    work_.emplace(std::pair(due, queued_++), [this, tick] {
-        if (!tick->stopped) {
+// A timer that is let go of takes its ticks with it.
+void SimMainQueue::scheduleTick(const std::shared_ptr<Tick>& next) {
+    const double due = next->start + next->interval * next->count++;
+    work_.emplace(std::pair(due, queued_++), [this, waiting = std::weak_ptr(next)] {
+        if (const auto tick = waiting.lock()) {
             scheduleTick(tick);
             tick->work();
         }
@@ -59,16 +52,12 @@ void SimMainQueue::advance(double seconds) {
 }
 
 void SimSerialQueue::async(platform::Work work) {
+    if (runner_ == nullptr) {
+        work();
+        return;
+    }
     items_->push_back(std::move(work));
-    if (runner_ != nullptr) {
-        runner_->async([items = items_] { runNext(*items); });
-    }
-}
-
-void SimSerialQueue::drain() {
-    while (!items_->empty()) {
-        runNext(*items_);
-    }
+    runner_->async([items = items_] { runNext(*items); });
 }
 
 void SimSerialQueue::runNext(Items& items) {
@@ -76,18 +65,6 @@ void SimSerialQueue::runNext(Items& items) {
         const platform::Work work = std::move(items.front());
         items.pop_front();
         work();
-    }
-}
-
-std::unique_ptr<platform::SerialQueue> SimSerialQueueFactory::makeSerialQueue(const std::string& /*label*/) {
-    auto queue = std::make_unique<SimSerialQueue>(runner_);
-    last_ = queue.get();
-    return queue;
-}
-
-void SimSerialQueueFactory::drain() const {
-    if (last_ != nullptr) {
-        last_->drain();
     }
 }
 

@@ -1,4 +1,4 @@
-// Queues on virtual time: nothing runs until a test advances the time or drains a queue.
+// Queues on virtual time: nothing runs until a test advances the time.
 //
 // Threads: one thread only.
 #pragma once
@@ -34,14 +34,16 @@ class SimMainQueue final : public platform::MainQueue {
     std::map<std::pair<double, std::uint64_t>, platform::Work> work_;
 };
 
-// Runs its items on the main queue, one per turn, or only when drained if there is none.
+// Runs its items on the main queue, one per turn, and what is left at its end; at once if there is none.
 class SimSerialQueue final : public platform::SerialQueue {
   public:
     explicit SimSerialQueue(SimMainQueue* runner) : runner_(runner) {}
-    ~SimSerialQueue() override { drain(); }
-
+    ~SimSerialQueue() override {
+        while (!items_->empty()) {
+            runNext(*items_);
+        }
+    }
     void async(platform::Work work) override;
-    void drain();
 
   private:
     using Items = std::deque<platform::Work>;
@@ -51,17 +53,12 @@ class SimSerialQueue final : public platform::SerialQueue {
     std::shared_ptr<Items> items_ = std::make_shared<Items>();
 };
 
-// Makes queues that run on the main queue, or without one only when drained; remembers the last one for that.
-class SimSerialQueueFactory final : public platform::SerialQueueFactory {
-  public:
-    explicit SimSerialQueueFactory(SimMainQueue* runner = nullptr) : runner_(runner) {}
-
-    [[nodiscard]] std::unique_ptr<platform::SerialQueue> makeSerialQueue(const std::string& label) override;
-    void drain() const;
-
-  private:
-    SimMainQueue* runner_;
-    SimSerialQueue* last_ = nullptr;
+struct SimSerialQueueFactory final : platform::SerialQueueFactory {
+    explicit SimSerialQueueFactory(SimMainQueue* main = nullptr) : runner(main) {}
+    [[nodiscard]] std::unique_ptr<platform::SerialQueue> makeSerialQueue(const std::string&) override {
+        return std::make_unique<SimSerialQueue>(runner);
+    }
+    SimMainQueue* runner;
 };
 
 } // namespace skylet::sim

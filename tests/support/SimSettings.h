@@ -7,6 +7,7 @@
 #include "platform/LoginItem.h"
 #include "platform/Notifications.h"
 #include "platform/OwnWindows.h"
+#include "settings/Binding.h"
 
 #include <map>
 #include <memory>
@@ -15,6 +16,16 @@
 #include <vector>
 
 namespace skylet::sim {
+
+// What the settings keep in a plain variable.
+template <class T>
+Binding<T> bound(T& variable) {
+    return {.get = [&variable] { return variable; },
+            .set =
+                [&variable](T value) {
+                    variable = value;
+                }};
+}
 
 class SimNotifications final : public platform::Notifications {
   public:
@@ -39,26 +50,23 @@ class SimKeyDownMonitor final : public platform::KeyDownMonitor {
     // The user presses a key in one of the windows; answers whether a monitor took it.
     bool press(std::int64_t keyCode, std::uint64_t flags = 0) {
         const auto handler = handler_.lock();
-        if (handler == nullptr) {
-            return false;
+        if (handler != nullptr) {
+            (*handler)({.keyCode = keyCode, .flags = flags});
         }
-        (*handler)({.keyCode = keyCode, .flags = flags});
-        return true;
+        return handler != nullptr;
     }
     [[nodiscard]] bool isInstalled() const { return !handler_.expired(); }
 
     [[nodiscard]] platform::Subscription addLocalMonitorForKeyDown(Handler handler) override {
-        auto installed = std::make_unique<Installed>(std::move(handler));
-        handler_ = installed->handler;
+        struct Installed final : platform::SubscriptionBase {
+            std::shared_ptr<const Handler> handler;
+        };
+        auto installed = std::make_unique<Installed>();
+        handler_ = installed->handler = std::make_shared<const Handler>(std::move(handler));
         return installed;
     }
 
   private:
-    struct Installed final : platform::SubscriptionBase {
-        explicit Installed(Handler value) : handler(std::make_shared<const Handler>(std::move(value))) {}
-        std::shared_ptr<const Handler> handler;
-    };
-
     std::weak_ptr<const Handler> handler_;
 };
 
@@ -78,8 +86,7 @@ class SimLoginItem final : public platform::LoginItem {
     }
 };
 
-class SimOwnWindows final : public platform::OwnWindows {
-  public:
+struct SimOwnWindows final : platform::OwnWindows {
     std::vector<platform::NativeWindow> brought;
 
     void bringToActiveSpace(platform::NativeWindow window) override { brought.push_back(window); }

@@ -20,11 +20,11 @@ namespace skylet::sim {
 struct SimWindow {
     platform::WindowEntry entry; // as the window server lists it; take keys out to make them missing
     bool onScreen = true;        // false: minimised, hidden or on another desktop
-    // What accessibility says; absent: that attribute cannot be read.
-    std::optional<std::string> axTitle;
-    std::optional<platform::Point> axPosition;
-    std::optional<platform::Size> axSize;
-    SimNodeRef content = std::make_shared<SimNode>(); // its children are the window's
+    SimNodeRef ax = std::make_shared<SimNode>(); // what accessibility says
+
+    [[nodiscard]] platform::WindowID id() const {
+        return static_cast<platform::WindowID>(entry.number.value_or(0));
+    }
 };
 
 struct SimApplication {
@@ -42,6 +42,7 @@ struct SimWorld {
     platform::WindowID lastWindowID = 100;
 
     [[nodiscard]] SimWindow* find(platform::WindowID windowID);
+    [[nodiscard]] std::optional<platform::RunningApplication> running(platform::ProcessID pid) const;
 };
 
 class SimWindowServer final : public platform::WindowServer {
@@ -68,7 +69,10 @@ class SimAccessibility final : public platform::Accessibility {
     double waited = 0; // for other applications, in seconds
 
     [[nodiscard]] bool isProcessTrusted() override { return trusted; }
-    bool isProcessTrustedWithPrompt() override;
+    bool isProcessTrustedWithPrompt() override {
+        onPrompt();
+        return trusted;
+    }
     [[nodiscard]] platform::AXElementRef createApplication(platform::ProcessID pid) override;
     [[nodiscard]] platform::AXResult copyAttributeValue(const platform::AXElementRef& element,
                                                         std::string_view attribute) override;
@@ -81,8 +85,7 @@ class SimAccessibility final : public platform::Accessibility {
     void setMessagingTimeout(const platform::AXElementRef& element, double seconds) override;
 
   private:
-    // The error that a call to the element's application ends with before it is looked at.
-    [[nodiscard]] int reach(const platform::AXElement& element);
+    [[nodiscard]] int reach(const platform::AXElementRef& element);
 
     SimWorld& world_;
 };
@@ -97,12 +100,20 @@ class SimWorkspace final : public platform::Workspace {
     void postDidTerminate(std::optional<platform::RunningApplication> application);
 
     [[nodiscard]] platform::ProcessID ownProcessIdentifier() const override { return SimWorld::ownPID; }
-    [[nodiscard]] std::optional<platform::RunningApplication> frontmostApplication() override;
+    [[nodiscard]] std::optional<platform::RunningApplication> frontmostApplication() override {
+        return world_.frontmost ? world_.running(*world_.frontmost) : std::nullopt;
+    }
     [[nodiscard]] std::optional<platform::RunningApplication>
-    runningApplication(platform::ProcessID pid) override;
+    runningApplication(platform::ProcessID pid) override {
+        return world_.running(pid);
+    }
     bool activate(platform::ProcessID pid) override;
-    [[nodiscard]] platform::Subscription observeDidActivateApplication(ApplicationNotice notice) override;
-    [[nodiscard]] platform::Subscription observeDidTerminateApplication(ApplicationNotice notice) override;
+    [[nodiscard]] platform::Subscription observeDidActivateApplication(ApplicationNotice notice) override {
+        return didActivate_.observe(std::move(notice));
+    }
+    [[nodiscard]] platform::Subscription observeDidTerminateApplication(ApplicationNotice notice) override {
+        return didTerminate_.observe(std::move(notice));
+    }
     std::vector<std::string> openedURLs;
     bool openURL(const std::string& url) override {
         openedURLs.push_back(url);
