@@ -5,10 +5,7 @@
 #include "support/SimQueues.h"
 #include "support/SimWorld.h"
 
-#include <map>
-#include <memory>
-#include <optional>
-#include <vector>
+#include <utility>
 
 namespace skylet::sim {
 
@@ -16,17 +13,52 @@ struct SimSurface final : platform::Surface {};
 
 struct SimFilter final : platform::ContentFilter {
     explicit SimFilter(double pixelScale) : scale(pixelScale) {}
-    [[nodiscard]] double pointPixelScale() const override { return scale; }
+    double pointPixelScale() const override { return scale; }
     double scale;
 };
 
-class SimScreenCapture;
+struct SimStream;
 
-class SimStream final : public platform::CaptureStream {
-  public:
-    SimStream(SimScreenCapture& capture, const platform::StreamConfiguration& configuration,
-              platform::ScreenCapture::DidStopWithError didStop);
-    ~SimStream() override;
+// What a test scripts, and what it may look at.
+struct SimCaptureScript {
+    explicit SimCaptureScript(SimMainQueue& queue) : mainQueue(queue) {}
+
+    bool permitted = true;
+    double pixelScale = 2.0;
+    double answerDelay = 0;
+    bool listsWindows = true;
+    // Absent: the call succeeds.
+    using Error = std::optional<platform::CaptureError>;
+    Error contentError, stillError, outputError, startError, stopError, updateError;
+    int queries = 0;
+    int stills = 0;
+    int streamsMade = 0;
+    int stops = 0;                   // asked for by this program
+    int prepared = 0;                // and not let go of
+    std::vector<SimStream*> streams; // those that live, oldest first
+    platform::SurfaceRef stillImage = std::make_shared<SimSurface>();
+    SimMainQueue& mainQueue;
+
+    // Calls `done` with `argument` later, as the service answers.
+    template <class Done, class Argument>
+    void answer(Done done, Argument argument) {
+        mainQueue.after(answerDelay, [done = std::move(done), argument = std::move(argument)]() mutable {
+            done(argument);
+        });
+    }
+};
+
+struct SimStream final : platform::CaptureStream {
+    using DidStop = platform::ScreenCapture::DidStopWithError;
+
+    SimStream(SimCaptureScript& script, const platform::StreamConfiguration& configuration, DidStop didStop)
+        : configurations{configuration}
+        , script_(script)
+        , didStop_(std::move(didStop)) {
+        ++script_.streamsMade;
+        script_.streams.push_back(this);
+    }
+    ~SimStream() override { std::erase(script_.streams, this); }
 
     std::vector<platform::StreamConfiguration> configurations; // the first one and every update
     bool running = false;
@@ -36,52 +68,55 @@ class SimStream final : public platform::CaptureStream {
         queue_->async([handler = handler_, frame, type] { handler(type, frame); });
     }
     // The system ends the stream.
-    void end(const platform::CaptureError& error);
+    void end(const platform::CaptureError& error) {
+        running = false;
+        if (didStop_) {
+            script_.answer(std::exchange(didStop_, nullptr), error);
+        }
+    }
 
-    [[nodiscard]] std::optional<platform::CaptureError>
-    addStreamOutput(platform::OutputType type, platform::SerialQueue& queue, SampleHandler handler) override;
-    void startCapture(Completion done) override;
-    void stopCapture(Completion done) override;
-    void updateConfiguration(const platform::StreamConfiguration& configuration, Completion done) override;
+    SimCaptureScript::Error addStreamOutput(platform::OutputType /*type*/, platform::SerialQueue& queue,
+                                            SampleHandler handler) override {
+        queue_ = &queue;
+        handler_ = std::move(handler);
+        return script_.outputError;
+    }
+    void startCapture(Completion done) override {
+        running = !script_.startError;
+        script_.answer(std::move(done), script_.startError);
+    }
+    void stopCapture(Completion done) override {
+        ++script_.stops;
+        running = false;
+        script_.answer(std::move(done), script_.stopError);
+    }
+    void updateConfiguration(const platform::StreamConfiguration& configuration, Completion done) override {
+        configurations.push_back(configuration);
+        script_.answer(std::move(done), script_.updateError);
+    }
 
-  private:
-    SimScreenCapture& capture_;
-    platform::ScreenCapture::DidStopWithError didStop_;
+    SimCaptureScript& script_;
+    DidStop didStop_;
     platform::SerialQueue* queue_ = nullptr;
     SampleHandler handler_;
 };
 
-class SimScreenCapture final : public platform::ScreenCapture {
-  public:
-    SimScreenCapture(SimWorld& world, SimMainQueue& mainQueue) : world_(world), mainQueue_(mainQueue) {}
+struct SimScreenCapture final : platform::ScreenCapture, SimCaptureScript {
+    SimScreenCapture(SimWorld& world, SimMainQueue& queue) : SimCaptureScript(queue), world_(world) {}
 
-    bool permitted = true;
-    double pixelScale = 2.0;
-    double answerDelay = 0;
-    bool listsWindows = true;
-    // Absent: the call succeeds.
-    std::optional<platform::CaptureError> contentError, stillError, outputError, startError, stopError,
-        updateError;
-    int queries = 0;
-    int stills = 0;
-    int streamsMade = 0;
-    int stops = 0;                   // asked for by this program
-    std::vector<SimStream*> streams; // those that live, oldest first
-    platform::SurfaceRef stillImage = std::make_shared<SimSurface>();
-
-    // Calls `done` with `argument` later, as the service answers.
-    template <class Done, class Argument>
-    void answer(Done done, Argument argument) {
-        mainQueue_.after(answerDelay, [done = std::move(done), argument = std::move(argument)]() mutable {
-            done(argument);
-        });
+    void getShareableContent(bool /*excludingDesktopWindows*/, bool onScreenWindowsOnly,
+                             std::function<void(ShareableContent)> done) override {
+        ++queries;
+        ShareableContent content{.error = contentError, .windows = {}};
+        for (const SimWindow& window : world_.windows) {
+            if (!contentError && listsWindows && (window.onScreen || !onScreenWindowsOnly)) {
+                content.windows.push_back({.windowID = window.id(), .title = window.entry.name.value_or("")});
+            }
+        }
+        answer(std::move(done), std::move(content));
     }
-
-    void getShareableContent(bool excludingDesktopWindows, bool onScreenWindowsOnly,
-                             std::function<void(ShareableContent)> done) override;
-    // Counts what is prepared; the picture of a simulated window is always whole.
-    int prepared = 0;
-    [[nodiscard]] platform::Subscription prepareCapture(platform::WindowID /*window*/) override {
+    // Only counted; the picture of a simulated window is always whole.
+    platform::Subscription prepareCapture(platform::WindowID /*window*/) override {
         struct Preparation final : platform::SubscriptionBase {
             explicit Preparation(int& preparations) : count(preparations) { ++count; }
             ~Preparation() override { --count; }
@@ -89,12 +124,12 @@ class SimScreenCapture final : public platform::ScreenCapture {
         };
         return std::make_unique<Preparation>(prepared);
     }
-    [[nodiscard]] platform::ContentFilterRef makeFilter(platform::WindowID /*window*/) override {
+    platform::ContentFilterRef makeFilter(platform::WindowID /*window*/) override {
         return std::make_shared<SimFilter>(pixelScale);
     }
-    [[nodiscard]] std::shared_ptr<platform::CaptureStream>
-    makeStream(platform::ContentFilterRef /*filter*/, const platform::StreamConfiguration& configuration,
-               DidStopWithError didStop) override {
+    std::shared_ptr<platform::CaptureStream> makeStream(platform::ContentFilterRef /*filter*/,
+                                                        const platform::StreamConfiguration& configuration,
+                                                        DidStopWithError didStop) override {
         return std::make_shared<SimStream>(*this, configuration, std::move(didStop));
     }
     void captureImage(platform::ContentFilterRef /*filter*/, const platform::StreamConfiguration&,
@@ -102,15 +137,13 @@ class SimScreenCapture final : public platform::ScreenCapture {
         ++stills;
         answer(std::move(done), Still{.error = stillError, .image = stillError ? nullptr : stillImage});
     }
-    [[nodiscard]] std::unique_ptr<platform::SerialQueue> makeSampleQueue(const std::string&) override {
-        return std::make_unique<SimSerialQueue>(&mainQueue_);
+    std::unique_ptr<platform::SerialQueue> makeSampleQueue(const std::string&) override {
+        return std::make_unique<SimSerialQueue>(&mainQueue);
     }
-    [[nodiscard]] bool preflightAccess() override { return permitted; }
+    bool preflightAccess() override { return permitted; }
     bool requestAccess() override { return permitted; }
 
-  private:
     SimWorld& world_;
-    SimMainQueue& mainQueue_;
 };
 
 } // namespace skylet::sim

@@ -11,8 +11,7 @@
 
 namespace skylet::sim {
 
-class SimEventTap final : public platform::EventTap {
-  public:
+struct SimEventTap final : platform::EventTap {
     bool canCreate = true;
     bool permitted = true;
     bool keyIsFree = true;
@@ -35,28 +34,26 @@ class SimEventTap final : public platform::EventTap {
         wantedKeys.emplace_back(keyCode, flags);
         return !callback_ || keyIsFree;
     }
-    [[nodiscard]] bool create(Callback callback) override {
+    bool create(Callback callback) override {
         ++attempts;
         if (canCreate) {
             callback_ = std::move(callback);
         }
         return canCreate;
     }
-    [[nodiscard]] bool exists() const override { return static_cast<bool>(callback_); }
+    bool exists() const override { return static_cast<bool>(callback_); }
     void setEnabled(bool value) override { enabled = value; }
-    [[nodiscard]] std::optional<std::string> failureReason() const override { return reason; }
-    [[nodiscard]] std::optional<platform::KeyRefusal> refusal() const override {
+    std::optional<std::string> failureReason() const override { return reason; }
+    std::optional<platform::KeyRefusal> refusal() const override {
         return keyIsFree ? std::nullopt : std::optional(platform::KeyRefusal::heldByAnotherProgram);
     }
-    [[nodiscard]] bool mayCreate() const override { return permitted; }
-    [[nodiscard]] bool preflightListenAccess() override { return permitted; }
+    bool mayCreate() const override { return permitted; }
+    bool preflightListenAccess() override { return permitted; }
 
-  private:
     Callback callback_;
 };
 
-class SimEventPoster final : public platform::EventPoster {
-  public:
+struct SimEventPoster final : platform::EventPoster {
     bool permitted = true;
     bool grantsOnRequest = false;
     std::vector<std::pair<platform::SyntheticEvent, platform::ProcessID>> posted;
@@ -65,7 +62,7 @@ class SimEventPoster final : public platform::EventPoster {
     void postToPid(const platform::SyntheticEvent& event, platform::ProcessID pid) override {
         posted.emplace_back(event, pid);
     }
-    [[nodiscard]] bool preflightPostAccess() override { return permitted; }
+    bool preflightPostAccess() override { return permitted; }
     bool requestPostAccess() override {
         ++requests;
         permitted = permitted || grantsOnRequest;

@@ -9,6 +9,9 @@
 
 namespace skylet::sim {
 
+using platform::EventType;
+using platform::InputEvent;
+
 struct SimDecoration final : platform::Decoration {
     void setFrame(platform::Rect rect) override { frame = rect; }
     void setHidden(bool value) override { hidden = value; }
@@ -27,8 +30,7 @@ struct SimLayer final : platform::Layer {
     platform::Rect frame;
 };
 
-class SimPanel final : public platform::Panel {
-  public:
+struct SimPanel final : platform::Panel {
     enum class Order { out, front, back };
 
     // Stands in the list of `all` panels while it lives.
@@ -52,8 +54,32 @@ class SimPanel final : public platform::Panel {
     std::optional<double> scale;
 
     // The user does something at a place of the panel; true to the rules of tracking and of window drags.
-    void inject(platform::EventType type, platform::Point location, std::uint64_t modifiers = 0);
-    void inject(platform::InputEvent event);
+    void inject(EventType type, platform::Point location, std::uint64_t modifiers = 0) {
+        inject({.type = type,
+                .locationInWindow = location,
+                .locationOnScreen = {frame_.x + location.x, frame_.y + location.y},
+                .modifierFlags = modifiers});
+    }
+    void inject(InputEvent event) {
+        const bool isPointerWay = event.type == EventType::mouseEntered ||
+                                  event.type == EventType::mouseExited || event.type == EventType::mouseMoved;
+        if (trackingHandler_ && !isPointerWay) {
+            if ((eventMask(event.type) & trackingMask_) != 0 && !TrackingHandler(trackingHandler_)(event)) {
+                trackingHandler_ = nullptr;
+            }
+            return;
+        }
+        if (dragDone_ && event.type == EventType::leftMouseDragged) {
+            setFrame({dragOrigin_.x + event.locationOnScreen.x - dragStart_.x,
+                      dragOrigin_.y + event.locationOnScreen.y - dragStart_.y, frame_.width, frame_.height},
+                     false);
+            return;
+        }
+        if (dragDone_ && event.type == EventType::leftMouseUp) {
+            std::exchange(dragDone_, nullptr)();
+        }
+        eventHandler_(event);
+    }
     // No event will come any more.
     void endTracking() {
         if (trackingHandler_) {
@@ -61,10 +87,16 @@ class SimPanel final : public platform::Panel {
         }
     }
 
-    [[nodiscard]] platform::Rect frame() const override { return frame_; }
-    void setFrame(platform::Rect rect, bool display) override;
+    platform::Rect frame() const override { return frame_; }
+    void setFrame(platform::Rect rect, bool /*display*/) override {
+        const bool resized = rect.size() != frame_.size();
+        frame_ = rect;
+        if (resized && resizeHandler_) {
+            resizeHandler_();
+        }
+    }
     void setResizeHandler(std::function<void()> handler) override { resizeHandler_ = std::move(handler); }
-    [[nodiscard]] bool isVisible() const override { return order != Order::out; }
+    bool isVisible() const override { return order != Order::out; }
     void setLevel(int value) override { level = value; }
     void orderFrontRegardless() override { order = Order::front; }
     void orderBack() override { order = Order::back; }
@@ -77,23 +109,22 @@ class SimPanel final : public platform::Panel {
     void setCollectionBehavior(std::uint32_t behavior) override {
         configuration.collectionBehavior = behavior;
     }
-    [[nodiscard]] platform::Layer& contentLayer() override { return layer; }
-    [[nodiscard]] platform::Decoration& addDecoration() override {
+    platform::Layer& contentLayer() override { return layer; }
+    platform::Decoration& addDecoration() override {
         return *decorations.emplace_back(std::make_unique<SimDecoration>());
     }
-    [[nodiscard]] std::optional<double> backingScaleFactor() const override { return scale; }
+    std::optional<double> backingScaleFactor() const override { return scale; }
     void setEventHandler(EventHandler handler) override { eventHandler_ = std::move(handler); }
     void trackEvents(std::uint64_t mask, TrackingHandler handler) override {
         trackingMask_ = mask;
         trackingHandler_ = std::move(handler);
     }
-    void performWindowDrag(const platform::InputEvent& mouseDown, std::function<void()> done) override {
+    void performWindowDrag(const InputEvent& mouseDown, std::function<void()> done) override {
         dragStart_ = mouseDown.locationOnScreen;
         dragOrigin_ = frame_.origin();
         dragDone_ = std::move(done);
     }
 
-  private:
     std::vector<SimPanel*>& all_;
     platform::Rect frame_;
     std::function<void()> resizeHandler_;
@@ -105,12 +136,11 @@ class SimPanel final : public platform::Panel {
     platform::Point dragOrigin_;
 };
 
-class SimPanelFactory final : public platform::PanelFactory {
-  public:
+struct SimPanelFactory final : platform::PanelFactory {
     std::vector<SimPanel*> panels; // those that live, oldest first
 
-    [[nodiscard]] std::unique_ptr<platform::Panel>
-    makePanel(platform::Rect contentRect, const platform::PanelConfiguration& configuration) override {
+    std::unique_ptr<platform::Panel> makePanel(platform::Rect contentRect,
+                                               const platform::PanelConfiguration& configuration) override {
         return std::make_unique<SimPanel>(panels, contentRect, configuration);
     }
 };

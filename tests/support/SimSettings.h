@@ -27,26 +27,22 @@ Binding<T> bound(T& variable) {
                 }};
 }
 
-class SimNotifications final : public platform::Notifications {
-  public:
+struct SimNotifications final : platform::Notifications {
     void becomeActive() { active_.post(); }
     void announce(const std::string& name) { distributed_[name].post(); }
 
-    [[nodiscard]] platform::Subscription observeDidBecomeActive(std::function<void()> notice) override {
+    platform::Subscription observeDidBecomeActive(std::function<void()> notice) override {
         return active_.observe(std::move(notice));
     }
-    [[nodiscard]] platform::Subscription observeDistributed(std::string_view name,
-                                                            std::function<void()> notice) override {
+    platform::Subscription observeDistributed(std::string_view name, std::function<void()> notice) override {
         return distributed_[std::string(name)].observe(std::move(notice));
     }
 
-  private:
     Notice<> active_;
     std::map<std::string, Notice<>> distributed_;
 };
 
-class SimKeyDownMonitor final : public platform::KeyDownMonitor {
-  public:
+struct SimKeyDownMonitor final : platform::KeyDownMonitor {
     // The user presses a key in one of the windows; answers whether a monitor took it.
     bool press(std::int64_t keyCode, std::uint64_t flags = 0) {
         const auto handler = handler_.lock();
@@ -57,7 +53,7 @@ class SimKeyDownMonitor final : public platform::KeyDownMonitor {
     }
     [[nodiscard]] bool isInstalled() const { return !handler_.expired(); }
 
-    [[nodiscard]] platform::Subscription addLocalMonitorForKeyDown(Handler handler) override {
+    platform::Subscription addLocalMonitorForKeyDown(Handler handler) override {
         struct Installed final : platform::SubscriptionBase {
             std::shared_ptr<const Handler> handler;
         };
@@ -66,21 +62,19 @@ class SimKeyDownMonitor final : public platform::KeyDownMonitor {
         return installed;
     }
 
-  private:
     std::weak_ptr<const Handler> handler_;
 };
 
-class SimLoginItem final : public platform::LoginItem {
-  public:
+struct SimLoginItem final : platform::LoginItem {
     bool enabled = false;
     bool refuses = false;
 
-    [[nodiscard]] bool isEnabled() const override { return enabled; }
-    [[nodiscard]] bool registerItem() override {
+    bool isEnabled() const override { return enabled; }
+    bool registerItem() override {
         enabled = enabled || !refuses;
         return !refuses;
     }
-    [[nodiscard]] bool unregisterItem() override {
+    bool unregisterItem() override {
         enabled = enabled && refuses;
         return !refuses;
     }

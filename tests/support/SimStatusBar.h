@@ -42,11 +42,11 @@ struct SimStatusBar final : platform::StatusBar {
     std::vector<SimStatusItem*> items; // those that live, oldest first
     int itemsMade = 0;
 
-    [[nodiscard]] double thickness() const override { return 22; }
-    [[nodiscard]] platform::Size symbolSize(const platform::Symbol&) const override { return {12, 16}; }
-    [[nodiscard]] bool isShown() const override { return shown; }
-    [[nodiscard]] std::unique_ptr<platform::StatusItem> makeStatusItem(const std::string& autosaveName,
-                                                                       MenuSource menu) override {
+    double thickness() const override { return 22; }
+    platform::Size symbolSize(const platform::Symbol&) const override { return {12, 16}; }
+    bool isShown() const override { return shown; }
+    std::unique_ptr<platform::StatusItem> makeStatusItem(const std::string& autosaveName,
+                                                         MenuSource menu) override {
         ++itemsMade;
         return std::make_unique<SimStatusItem>(items, autosaveName, std::move(menu));
     }

@@ -45,22 +45,19 @@ struct SimWorld {
     [[nodiscard]] std::optional<platform::RunningApplication> running(platform::ProcessID pid) const;
 };
 
-class SimWindowServer final : public platform::WindowServer {
-  public:
+struct SimWindowServer final : platform::WindowServer {
     explicit SimWindowServer(SimWorld& world) : world_(world) {}
     bool listFails = false;
     int copies = 0;
 
-    [[nodiscard]] std::optional<std::vector<platform::WindowEntry>>
-    copyWindowList(std::uint32_t options, platform::WindowID relativeTo) override;
-    [[nodiscard]] int normalWindowLevel() const override { return 0; }
+    std::optional<std::vector<platform::WindowEntry>> copyWindowList(std::uint32_t options,
+                                                                     platform::WindowID relativeTo) override;
+    int normalWindowLevel() const override { return 0; }
 
-  private:
     SimWorld& world_;
 };
 
-class SimAccessibility final : public platform::Accessibility {
-  public:
+struct SimAccessibility final : platform::Accessibility {
     explicit SimAccessibility(SimWorld& world) : world_(world) {}
     bool trusted = true;
     std::function<void()> onPrompt = [] {
@@ -68,30 +65,28 @@ class SimAccessibility final : public platform::Accessibility {
     std::vector<platform::WindowID> raised;
     double waited = 0; // for other applications, in seconds
 
-    [[nodiscard]] bool isProcessTrusted() override { return trusted; }
+    bool isProcessTrusted() override { return trusted; }
     bool isProcessTrustedWithPrompt() override {
         onPrompt();
         return trusted;
     }
-    [[nodiscard]] platform::AXElementRef createApplication(platform::ProcessID pid) override;
-    [[nodiscard]] platform::AXResult copyAttributeValue(const platform::AXElementRef& element,
-                                                        std::string_view attribute) override;
+    platform::AXElementRef createApplication(platform::ProcessID pid) override;
+    platform::AXResult copyAttributeValue(const platform::AXElementRef& element,
+                                          std::string_view attribute) override;
     int setAttributeValue(const platform::AXElementRef& element, std::string_view attribute,
                           double value) override;
-    [[nodiscard]] std::pair<int, bool> isAttributeSettable(const platform::AXElementRef& element,
-                                                           std::string_view attribute) override;
+    std::pair<int, bool> isAttributeSettable(const platform::AXElementRef& element,
+                                             std::string_view attribute) override;
     int performAction(const platform::AXElementRef& element, std::string_view action) override;
     // Holds for everything reached through the element, too.
     void setMessagingTimeout(const platform::AXElementRef& element, double seconds) override;
 
-  private:
     [[nodiscard]] int reach(const platform::AXElementRef& element);
 
     SimWorld& world_;
 };
 
-class SimWorkspace final : public platform::Workspace {
-  public:
+struct SimWorkspace final : platform::Workspace {
     SimWorkspace(SimWorld& world, SimMainQueue& mainQueue) : world_(world), mainQueue_(mainQueue) {}
     bool version27 = false;
     std::vector<platform::ProcessID> activated; // on this program's request
@@ -99,19 +94,18 @@ class SimWorkspace final : public platform::Workspace {
     void postDidActivate(std::optional<platform::RunningApplication> application);
     void postDidTerminate(std::optional<platform::RunningApplication> application);
 
-    [[nodiscard]] platform::ProcessID ownProcessIdentifier() const override { return SimWorld::ownPID; }
-    [[nodiscard]] std::optional<platform::RunningApplication> frontmostApplication() override {
+    platform::ProcessID ownProcessIdentifier() const override { return SimWorld::ownPID; }
+    std::optional<platform::RunningApplication> frontmostApplication() override {
         return world_.frontmost ? world_.running(*world_.frontmost) : std::nullopt;
     }
-    [[nodiscard]] std::optional<platform::RunningApplication>
-    runningApplication(platform::ProcessID pid) override {
+    std::optional<platform::RunningApplication> runningApplication(platform::ProcessID pid) override {
         return world_.running(pid);
     }
     bool activate(platform::ProcessID pid) override;
-    [[nodiscard]] platform::Subscription observeDidActivateApplication(ApplicationNotice notice) override {
+    platform::Subscription observeDidActivateApplication(ApplicationNotice notice) override {
         return didActivate_.observe(std::move(notice));
     }
-    [[nodiscard]] platform::Subscription observeDidTerminateApplication(ApplicationNotice notice) override {
+    platform::Subscription observeDidTerminateApplication(ApplicationNotice notice) override {
         return didTerminate_.observe(std::move(notice));
     }
     std::vector<std::string> openedURLs;
@@ -119,9 +113,8 @@ class SimWorkspace final : public platform::Workspace {
         openedURLs.push_back(url);
         return true;
     }
-    [[nodiscard]] bool isSystemVersion27OrLater() const override { return version27; }
+    bool isSystemVersion27OrLater() const override { return version27; }
 
-  private:
     using Notices = Notice<std::optional<platform::RunningApplication>>;
     SimWorld& world_;
     SimMainQueue& mainQueue_;
@@ -129,21 +122,19 @@ class SimWorkspace final : public platform::Workspace {
     Notices didTerminate_;
 };
 
-class SimScreens final : public platform::Screens {
-  public:
+struct SimScreens final : platform::Screens {
     std::vector<platform::Screen> all{
         {.frame = {0, 0, 1920, 1080}, .visibleFrame = {}, .backingScaleFactor = 1}};
 
-    [[nodiscard]] std::vector<platform::Screen> screens() override { return all; }
-    [[nodiscard]] std::optional<platform::Screen> mainScreen() override {
+    std::vector<platform::Screen> screens() override { return all; }
+    std::optional<platform::Screen> mainScreen() override {
         return all.empty() ? std::nullopt : std::optional(all.front());
     }
-    [[nodiscard]] platform::Subscription observeDidChangeParameters(std::function<void()> notice) override {
+    platform::Subscription observeDidChangeParameters(std::function<void()> notice) override {
         return didChange_.observe(std::move(notice));
     }
     void postDidChangeParameters() { didChange_.post(); }
 
-  private:
     Notice<> didChange_;
 };
 
