@@ -40,19 +40,14 @@ class GlobalHotkeyTest : public testing::Test {
 };
 
 TEST_F(GlobalHotkeyTest, TakesTheStoredPairOnlyWhenBothAreSet) {
-    const std::pair<std::int64_t, std::int64_t> builtIn{35, 0x140000}, own{12, 0x100000},
-        last{65535, 0x20000};
-    for (const auto& [stored, expected] :
-         {std::pair(std::pair<std::int64_t, std::int64_t>{0, 0x100000}, builtIn),
-          {{12, 0}, builtIn},
-          {{0, 0}, builtIn},
-          {own, own},
-          {last, last}}) {
-        store(stored.first, stored.second);
+    const std::tuple<std::uint16_t, std::uint32_t, bool> cases[] = {
+        {0, 0x100000, false}, {12, 0, false}, {0, 0, false}, {12, 0x100000, true}, {65535, 0x20000, true}};
+    for (const auto& [keyCode, modifiers, isTaken] : cases) {
+        store(keyCode, modifiers);
         hotkey.setShortcut(35, command | control);
         hotkey.loadShortcut();
-        EXPECT_EQ(hotkey.shortcutKeyCode(), expected.first);
-        EXPECT_EQ(hotkey.shortcutModifiers(), static_cast<std::uint64_t>(expected.second));
+        EXPECT_EQ(hotkey.shortcutKeyCode(), isTaken ? keyCode : 35);
+        EXPECT_EQ(hotkey.shortcutModifiers(), isTaken ? modifiers : command | control);
     }
 }
 

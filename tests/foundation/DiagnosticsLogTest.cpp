@@ -12,7 +12,6 @@
 #include <map>
 #include <mutex>
 #include <regex>
-#include <sys/stat.h>
 #include <thread>
 
 namespace skylet {
@@ -62,10 +61,6 @@ class DiagnosticsLogTest : public testing::Test {
         }
         return all;
     }
-    static mode_t modeOf(const std::string& path) {
-        struct stat status {};
-        return ::stat(path.c_str(), &status) == 0 ? status.st_mode & 07777U : 0;
-    }
 
     QTemporaryDir directory;
     sim::SimDefaults defaults;
@@ -100,9 +95,9 @@ TEST_F(DiagnosticsLogTest, WritesPrivateFilesAndTheExactLineFormat) {
     ASSERT_EQ(lines().size(), 1U);
     const std::regex format(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3}  perché — ok)");
     EXPECT_TRUE(std::regex_match(lines()[0], format)) << lines()[0];
-    EXPECT_EQ(modeOf(file()), 0600U);
-    EXPECT_EQ(modeOf(state() + "/Skylet"), 0700U);
-    EXPECT_EQ(modeOf(state()), 0700U);
+    EXPECT_EQ(fs::status(file()).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_EQ(fs::status(state() + "/Skylet").permissions(), fs::perms::owner_all);
+    EXPECT_EQ(fs::status(state()).permissions(), fs::perms::owner_all);
     EXPECT_EQ(queues.label, "com.corvane.skylet.floating.log");
 }
 

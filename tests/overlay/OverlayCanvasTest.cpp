@@ -1,9 +1,7 @@
-// When the grips show, what their drags report and how they look.
-#include "overlay/GripDrawing.h"
+// When the grips show, and what their drags report.
 #include "overlay/OverlayCanvasView.h"
 #include "support/SimPanel.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace skylet {
@@ -104,19 +102,6 @@ TEST_F(OverlayCanvasTest, TrackingThatCanNotGoOnEndsTheResize) {
     canvas.mouseDown(at({795, 5}));
     panel.endTracking();
     EXPECT_EQ(ends, 1);
-}
-
-TEST(GripDrawing, TheMoveGripIsAnArrowInFourDirections) {
-    const auto drawing = moveGripDrawing({0, 0, 26, 26});
-    EXPECT_EQ(std::get<platform::FilledRoundedRect>(drawing.at(0)).rect, (platform::Rect{3, 3, 20, 20}));
-    std::vector<std::array<double, 4>> strokes;
-    for (const auto& [from, to] : std::get<platform::StrokedLines>(drawing.at(1)).segments) {
-        strokes.push_back({from.x, from.y, to.x, to.y});
-    }
-    const std::vector<std::array<double, 4>> expected{
-        {5, 13, 21, 13},  {13, 5, 13, 21}, {5, 13, 9, 16}, {5, 13, 9, 10},   {21, 13, 17, 16},
-        {21, 13, 17, 10}, {13, 5, 10, 9},  {13, 5, 16, 9}, {13, 21, 10, 17}, {13, 21, 16, 17}};
-    EXPECT_TRUE(std::ranges::is_permutation(strokes, expected)) << testing::PrintToString(strokes);
 }
 
 } // namespace

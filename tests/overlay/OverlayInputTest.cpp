@@ -145,16 +145,5 @@ TEST(OverlayInput, AMoveDragOwnsTheMouseUntilTheLeftButtonIsReleased) {
     EXPECT_EQ(s.forwarded, std::vector{EventType::leftMouseDown});
 }
 
-TEST(OverlayInput, RoutesThatLeadNowhereAreNotTaken) {
-    OverlayScene s;
-    s.routes = {};
-    s.show();
-    s.panel().inject(EventType::leftMouseDown, middle);
-    s.stream().deliver(completeFrame());
-    s.desktop.advance(0);
-    s.overlay->hideOverlay();
-    EXPECT_FALSE(s.overlay->isPinVisible());
-}
-
 } // namespace
 } // namespace skylet

@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 #include <memory>
-#include <optional>
-#include <vector>
 
 namespace skylet {
 namespace {

@@ -154,16 +154,18 @@ TEST(AboutWindow, SaysWhatTheProgramIsAndClosesByEscape) {
     EXPECT_EQ(textsOf(*window), (Lines{"Skylet", "Versione 2.0", "Realizzato per Corvane",
                                        "Una finestra flottante ridimensionabile per le tue app.", "Chiudi"}));
     EXPECT_EQ(window->width(), 300);
-    type(*window, Qt::Key_Escape);
-    EXPECT_FALSE(window->isVisible());
-    about.showWindow(QStringLiteral("Skylet"));
-    EXPECT_EQ(about.widget(), window);
-    type(*window, Qt::Key_Period, Qt::MetaModifier);
-    EXPECT_FALSE(window->isVisible());
-    about.showWindow(QStringLiteral("Skylet"));
-    buttonWith(*window, "Chiudi")->click();
-    EXPECT_FALSE(window->isVisible());
-    EXPECT_EQ(ownWindows.brought.size(), 3U);
+    const std::function<void()> closings[] = {[&] { type(*window, Qt::Key_Escape); },
+                                              [&] { type(*window, Qt::Key_Period, Qt::MetaModifier); },
+                                              [&] {
+                                                  buttonWith(*window, "Chiudi")->click();
+                                              }};
+    for (const auto& close : closings) {
+        about.showWindow(QStringLiteral("Skylet"));
+        EXPECT_EQ(about.widget(), window);
+        close();
+        EXPECT_FALSE(window->isVisible());
+    }
+    EXPECT_EQ(ownWindows.brought.size(), 4U);
 
     AboutWindow unknown(ownWindows, {});
     unknown.showWindow(QStringLiteral("Skylet"));
