@@ -1,41 +1,11 @@
-#include "app/AppDelegate.h"
-
-#include "foundation/PreferenceKeys.h"
-#include "support/SimulatedDesktop.h"
-
-#include <gtest/gtest.h>
-#include <memory>
-#include <string>
-#include <vector>
+// Launching, the shortcut and the end.
+#include "app/AppTest.h"
 
 namespace skylet {
 namespace {
 
-using Lines = std::vector<std::string>;
-using platform::ProcessID;
-using platform::WindowID;
-
-constexpr ProcessID editor = 500;
-constexpr ProcessID browser = 600;
-constexpr platform::Rect place{100, 100, 800, 600};
-const std::string hiddenKey = "ZentroStatusItemVisibility.Hidden.com.corvane.skylet";
-
-class AppDelegateTest : public testing::Test {
+class AppDelegateTest : public AppTest {
   protected:
-    AppDelegateTest() {
-        desktop.launchApplication(editor, "Editor");
-        desktop.launchApplication(browser, "Browser");
-        document = desktop.openWindow(editor, "doc", place);
-        page = desktop.openWindow(browser, "", place);
-        app = make();
-    }
-    std::unique_ptr<AppDelegate> make() {
-        return std::make_unique<AppDelegate>(
-            desktop.environment, desktop.scroller, desktop.eventTap, desktop.eventPoster, desktop.application,
-            desktop.statusBar, AppCallbacks{.reportToUser = {}, .fatal = {}, .terminate = [this] {
-                                                ++terminations;
-                                            }});
-    }
     Lines toggle() {
         (void)desktop.takeLog();
         app->togglePinFrontmostWindow();
@@ -43,15 +13,11 @@ class AppDelegateTest : public testing::Test {
         std::erase_if(lines, [](const std::string& line) { return !line.starts_with("togglePin: "); });
         return lines;
     }
-    [[nodiscard]] std::string toggled(const std::string& text, WindowID windowID) const {
-        return "togglePin: " + text + " (wid=" + std::to_string(windowID) + ")";
+    static Lines toggled(const std::string& text, platform::WindowID windowID) {
+        return {"togglePin: " + text + " (wid=" + std::to_string(windowID) + ")"};
     }
 
-    sim::SimulatedDesktop desktop;
-    WindowID document = 0;
-    WindowID page = 0;
-    int terminations = 0;
-    std::unique_ptr<AppDelegate> app;
+    platform::WindowID page = desktop.openWindow(browser, "", place);
 };
 
 TEST_F(AppDelegateTest, LaunchLogsPermissionsRegistersAndFinishes) {
@@ -67,44 +33,39 @@ TEST_F(AppDelegateTest, AsksForTrustOnceInALifetimeAndRemembersItFirst) {
     int prompts = 0;
     desktop.accessibility.onPrompt = [&] {
         ++prompts;
-        EXPECT_TRUE(desktop.defaults.readBool(PreferenceKeys::didPromptForAccessibilityStableIdentity)
-                        .valueOr(false));
+        EXPECT_TRUE(desktop.defaults.contains(PreferenceKeys::didPromptForAccessibilityStableIdentity));
     };
     app->applicationDidFinishLaunching();
     EXPECT_EQ(prompts, 0) << "trusted";
     desktop.accessibility.trusted = false;
     for (int launches = 0; launches < 2; ++launches) {
-        app = make();
-        app->applicationDidFinishLaunching();
+        make(desktop)->applicationDidFinishLaunching();
         EXPECT_EQ(prompts, 1);
     }
 }
 
 TEST_F(AppDelegateTest, DiscardsTheLegacyColourOnce) {
-    desktop.defaults.setInteger(PreferenceKeys::menuBarPillColor, 7);
-    app->applicationDidFinishLaunching();
-    EXPECT_FALSE(desktop.defaults.contains(PreferenceKeys::menuBarPillColor));
-    desktop.defaults.setInteger(PreferenceKeys::menuBarPillColor, 7);
-    make()->applicationDidFinishLaunching();
-    EXPECT_TRUE(desktop.defaults.contains(PreferenceKeys::menuBarPillColor));
+    for (const bool isKept : {false, true}) {
+        desktop.defaults.setInteger(PreferenceKeys::menuBarPillColor, 7);
+        make(desktop)->applicationDidFinishLaunching();
+        EXPECT_EQ(desktop.defaults.contains(PreferenceKeys::menuBarPillColor), isKept);
+    }
 }
 
 TEST_F(AppDelegateTest, TheShortcutTogglesByHowManyArePinned) {
     desktop.activate(editor);
-    EXPECT_EQ(toggle(), Lines{toggled("Pinned 'doc'", document)});
+    EXPECT_EQ(toggle(), toggled("Pinned 'doc'", document));
     // One pinned: it is released, whether or not it is the one in front.
     desktop.activate(browser);
-    EXPECT_EQ(toggle(), Lines{toggled("Unpinned 'doc'", document)});
+    EXPECT_EQ(toggle(), toggled("Unpinned 'doc'", document));
     EXPECT_TRUE(app->tracker().pinnedWindows().empty());
-    EXPECT_EQ(toggle(), Lines{toggled("Pinned 'Browser'", page)});
-    EXPECT_EQ(toggle(), Lines{toggled("Unpinned 'Browser'", page)});
+    EXPECT_EQ(toggle(), toggled("Pinned 'Browser'", page));
     // Two pinned: a third is pinned too, a pinned one in front is released.
     app->tracker().pin(desktop.foreign(document));
-    app->tracker().pin(desktop.foreign(page));
-    const WindowID third = desktop.openWindow(editor, "third", {0, 0, 50, 50});
+    const auto third = desktop.openWindow(editor, "third", {0, 0, 50, 50});
     desktop.activate(editor);
-    EXPECT_EQ(toggle(), Lines{toggled("Pinned 'third'", third)});
-    EXPECT_EQ(toggle(), Lines{toggled("Unpinned 'third'", third)});
+    EXPECT_EQ(toggle(), toggled("Pinned 'third'", third));
+    EXPECT_EQ(toggle(), toggled("Unpinned 'third'", third));
     EXPECT_EQ(app->tracker().pinnedWindows().size(), 2U);
 }
 
@@ -112,22 +73,19 @@ TEST_F(AppDelegateTest, WithNothingInFrontTheShortcutReleasesTheOnlyOneOrDoesNot
     desktop.activate(sim::SimWorld::ownPID);
     EXPECT_EQ(toggle(), Lines{"togglePin: No foreign window found"});
     app->tracker().pin(desktop.foreign(page));
-    EXPECT_EQ(toggle(), Lines{toggled("Unpinned 'Browser'", page)});
+    EXPECT_EQ(toggle(), toggled("Unpinned 'Browser'", page));
     app->tracker().pin(desktop.foreign(page));
     app->tracker().pin(desktop.foreign(document));
     EXPECT_EQ(toggle(), Lines{"togglePin: No foreign window found"});
     EXPECT_EQ(app->tracker().pinnedWindows().size(), 2U);
 }
 
-TEST_F(AppDelegateTest, TheShortcutReachesTheControllerThroughTheTap) {
+TEST_F(AppDelegateTest, ThePressOfTheShortcutReachesTheControllerWhileThereIsOne) {
     app->applicationDidFinishLaunching();
     desktop.activate(editor);
-    desktop.advance(0);
-    EXPECT_TRUE(desktop.eventTap.press(35, 0x140000));
-    EXPECT_TRUE(app->tracker().pinnedWindows().empty());
+    desktop.eventTap.press(35, 0x140000);
     desktop.advance(0);
     EXPECT_TRUE(app->tracker().isPinned(document));
-    // A press whose controller is gone by then does nothing.
     desktop.eventTap.press(35, 0x140000);
     app.reset();
     desktop.advance(1);
@@ -165,40 +123,11 @@ TEST_F(AppDelegateTest, ShutdownEndsTheRetryTheTapTheObserverAndThePins) {
 
     sim::SimulatedDesktop waiting;
     waiting.eventTap.canCreate = false;
-    AppDelegate other(waiting.environment, waiting.scroller, waiting.eventTap, waiting.eventPoster,
-                      waiting.application, waiting.statusBar, {});
-    other.applicationDidFinishLaunching();
-    other.applicationWillTerminate();
+    const auto other = make(waiting);
+    other->applicationDidFinishLaunching();
+    other->applicationWillTerminate();
     waiting.advance(10);
     EXPECT_EQ(waiting.eventTap.attempts, 1);
-}
-
-TEST_F(AppDelegateTest, MenuActionsPinUnpinAndQuit) {
-    app->toggleFrontmost(desktop.foreign(document));
-    app->toggleFrontmost(desktop.foreign(page));
-    app->toggleFrontmost(desktop.foreign(document));
-    EXPECT_FALSE(app->tracker().isPinned(document));
-    app->unpinMenuItem(page);
-    EXPECT_TRUE(app->tracker().pinnedWindows().empty());
-    app->toggleFrontmost(desktop.foreign(page));
-    app->quit();
-    EXPECT_TRUE(app->tracker().pinnedWindows().empty());
-    EXPECT_EQ(terminations, 1);
-}
-
-TEST_F(AppDelegateTest, OpeningTheProgramAgainBringsAHiddenStatusItemBack) {
-    int notices = 0;
-    auto& visibility = app->statusItemVisibility();
-    const auto observer = visibility.observeDidChange([&notices] { ++notices; });
-    EXPECT_TRUE(app->applicationShouldHandleReopen());
-    EXPECT_FALSE(desktop.defaults.contains(hiddenKey)) << "it was not hidden";
-    visibility.setVisible(false);
-    visibility.setVisible(false);
-    EXPECT_FALSE(visibility.isVisible());
-    EXPECT_EQ(notices, 1);
-    app->applicationShouldHandleReopen();
-    EXPECT_FALSE(desktop.defaults.readBool(hiddenKey).valueOr(true));
-    EXPECT_EQ(notices, 2);
 }
 
 } // namespace

@@ -1,119 +1,70 @@
-#include "app/AppDelegate.h"
+#include "app/AppTest.h"
 #include "app/ZentroMenuBarPill.h"
-#include "foundation/PreferenceKeys.h"
-#include "support/SimulatedDesktop.h"
-
-#include <gtest/gtest.h>
-#include <memory>
-#include <string>
-#include <vector>
 
 namespace skylet {
 namespace {
 
-using Lines = std::vector<std::string>;
-using platform::WindowID;
-
-constexpr platform::ProcessID editor = 500;
-constexpr platform::Rect place{100, 100, 800, 600};
-const std::string hiddenKey = "ZentroStatusItemVisibility.Hidden.com.corvane.skylet";
-
-class StatusItemTest : public testing::Test {
+class StatusItemTest : public AppTest {
   protected:
-    StatusItemTest() {
-        desktop.launchApplication(editor, "Editor");
-        document = desktop.openWindow(editor, "doc", place);
-        app = std::make_unique<AppDelegate>(
-            desktop.environment, desktop.scroller, desktop.eventTap, desktop.eventPoster, desktop.application,
-            desktop.statusBar,
-            AppCallbacks{.reportToUser = {},
-                         .fatal = {},
-                         .terminate = [this] { done.emplace_back("terminate"); },
-                         .openSettings = [this] { done.emplace_back("settings"); },
-                         .openAbout =
-                             [this] {
-                                 done.emplace_back("about");
-                             }});
-    }
     [[nodiscard]] sim::SimStatusItem& item() const { return *desktop.statusBar.items.at(0); }
     // The user opens the menu and chooses the item with this title.
     void choose(const std::string& title) {
-        for (const platform::MenuItem& one : item().menu()) {
-            if (one.title == title) {
-                ASSERT_TRUE(one.action) << title;
-                one.action();
-                return;
-            }
-        }
-        FAIL() << "no item " << title;
+        const platform::Menu menu = item().menu();
+        const auto chosen = std::ranges::find(menu, title, &platform::MenuItem::title);
+        ASSERT_NE(chosen, menu.end()) << title;
+        chosen->action();
     }
-
-    sim::SimulatedDesktop desktop;
-    WindowID document = 0;
-    Lines done;
-    std::unique_ptr<AppDelegate> app;
 };
-
-TEST_F(StatusItemTest, ExistsFromTheLaunchOnUnlessHidden) {
-    EXPECT_TRUE(desktop.statusBar.items.empty());
-    app->applicationDidFinishLaunching();
-    ASSERT_EQ(desktop.statusBar.items.size(), 1U);
-    EXPECT_EQ(item().autosaveName, "SkyletStatusItem");
-    EXPECT_TRUE(desktop.application.accessory);
-
-    sim::SimulatedDesktop other;
-    other.defaults.setBool(hiddenKey, true);
-    AppDelegate hidden(other.environment, other.scroller, other.eventTap, other.eventPoster,
-                       other.application, other.statusBar, {});
-    hidden.applicationDidFinishLaunching();
-    EXPECT_EQ(other.statusBar.itemsMade, 0);
-    hidden.updateIcon();
-    hidden.applicationShouldHandleReopen();
-    EXPECT_EQ(other.statusBar.items.size(), 1U);
-}
 
 TEST_F(StatusItemTest, ComesAndGoesWithThePreference) {
     app->applicationDidFinishLaunching();
+    EXPECT_TRUE(desktop.application.accessory);
+    int notices = 0;
     auto& visibility = app->statusItemVisibility();
-    visibility.setVisible(false);
-    EXPECT_TRUE(desktop.statusBar.items.empty());
-    visibility.setVisible(true);
-    visibility.setVisible(true);
-    EXPECT_EQ(desktop.statusBar.items.size(), 1U);
+    const auto observer = visibility.observeDidChange([&notices] { ++notices; });
+    for (const bool shown : {true, false, false, true, true}) {
+        visibility.setVisible(shown);
+        ASSERT_EQ(desktop.statusBar.items.size(), shown ? 1U : 0U);
+    }
+    EXPECT_EQ(notices, 2);
     EXPECT_EQ(desktop.statusBar.itemsMade, 2);
     EXPECT_EQ(item().autosaveName, "SkyletStatusItem");
     EXPECT_EQ(item().toolTip, "Skylet") << "drawn when it was made again";
 }
 
+TEST_F(StatusItemTest, AHiddenOneComesBackWhenTheProgramIsOpenedAgain) {
+    desktop.defaults.setBool(hiddenKey, true);
+    app->applicationDidFinishLaunching();
+    app->updateIcon();
+    EXPECT_EQ(desktop.statusBar.itemsMade, 0);
+    EXPECT_TRUE(app->applicationShouldHandleReopen());
+    EXPECT_EQ(desktop.statusBar.items.size(), 1U);
+    EXPECT_FALSE(desktop.defaults.readBool(hiddenKey).valueOr(true));
+    EXPECT_EQ(done, Lines{});
+    // Where nothing shows the icon, the settings are opened instead.
+    desktop.statusBar.shown = false;
+    app->applicationShouldHandleReopen();
+    EXPECT_EQ(done, Lines{"settings"});
+}
+
 TEST_F(StatusItemTest, IconAndToolTipFollowThePins) {
     app->applicationDidFinishLaunching();
-    const WindowID second = desktop.openWindow(editor, "second", place);
+    const auto second = desktop.openWindow(editor, "second", place);
     const platform::AppearanceColor red = item().image.tint;
     EXPECT_EQ(red.light, (platform::Color{1, 59 / 255.0, 48 / 255.0}));
-    EXPECT_EQ(red.dark, (platform::Color{1, 69 / 255.0, 58 / 255.0}));
-    struct {
-        const char* description;
-        std::function<void()> step;
-        std::string symbol;
-        std::string toolTip;
-    } const steps[] = {
-        {"at first", [] {}, "pin", "Skylet"},
-        {"one", [&] { app->tracker().pin(desktop.foreign(document)); }, "pin.fill",
-         "Skylet — 1 finestre fissate"},
-        {"two", [&] { app->tracker().pin(desktop.foreign(second)); }, "pin.fill",
-         "Skylet — 2 finestre fissate"},
-        {"one less", [&] { app->tracker().unpin(document); }, "pin.fill", "Skylet — 1 finestre fissate"},
-        {"none", [&] { app->tracker().unpinAll(); }, "pin", "Skylet"},
-    };
-    for (const auto& one : steps) {
-        SCOPED_TRACE(one.description);
-        one.step();
+    const auto expectShown = [&](const char* symbol, const char* toolTip) {
         EXPECT_EQ(item().image.symbol,
-                  (platform::Symbol{one.symbol, "Skylet", 16, platform::SymbolWeight::semibold}));
+                  (platform::Symbol{symbol, "Skylet", 16, platform::SymbolWeight::semibold}));
         EXPECT_EQ(item().image.tint, red);
-        EXPECT_FALSE(item().image.background);
-        EXPECT_EQ(item().toolTip, one.toolTip);
-    }
+        EXPECT_EQ(item().toolTip, toolTip);
+    };
+    expectShown("pin", "Skylet");
+    app->tracker().pin(desktop.foreign(document));
+    expectShown("pin.fill", "Skylet — 1 finestre fissate");
+    app->tracker().pin(desktop.foreign(second));
+    expectShown("pin.fill", "Skylet — 2 finestre fissate");
+    app->tracker().unpinAll();
+    expectShown("pin", "Skylet");
 }
 
 TEST_F(StatusItemTest, BackgroundFollowsThePreferenceAtTheNextDrawing) {
@@ -122,7 +73,7 @@ TEST_F(StatusItemTest, BackgroundFollowsThePreferenceAtTheNextDrawing) {
     desktop.defaults.setBool(PreferenceKeys::menuBarPillEnabled, true);
     EXPECT_FALSE(item().image.background);
     app->updateIcon();
-    ASSERT_TRUE(item().image.background);
+    EXPECT_TRUE(item().image.background);
     EXPECT_EQ(item().image.tint, red);
     const int drawings = item().drawings;
     desktop.defaults.setBool(PreferenceKeys::menuBarPillEnabled, false);
@@ -135,29 +86,22 @@ TEST_F(StatusItemTest, MenuActionsReachTheController) {
     app->applicationDidFinishLaunching();
     desktop.activate(editor);
     desktop.advance(0.1);
-    choose("Fissa «doc»");
-    EXPECT_TRUE(app->tracker().isPinned(document));
-    choose("  Editor — doc");
-    EXPECT_FALSE(app->tracker().isPinned(document));
-    choose("Fissa «doc»");
-    choose("Sblocca «doc»");
-    EXPECT_FALSE(app->tracker().isPinned(document));
-    choose("Fissa «doc»");
-    choose("Sblocca tutte");
-    EXPECT_TRUE(app->tracker().pinnedWindows().empty());
+    for (const char* release : {"  Editor — doc", "Sblocca «doc»", "Sblocca tutte", "Esci da Skylet"}) {
+        choose("Fissa «doc»");
+        EXPECT_TRUE(app->tracker().isPinned(document));
+        choose(release);
+        EXPECT_TRUE(app->tracker().pinnedWindows().empty()) << release;
+    }
     choose("Controlla aggiornamenti");
     EXPECT_EQ(desktop.workspace.openedURLs, Lines{"https://corvane.com/skylet"});
-    choose("Fissa «doc»");
     choose("Informazioni su Skylet");
     choose("Impostazioni…");
-    choose("Esci da Skylet");
-    EXPECT_TRUE(app->tracker().pinnedWindows().empty());
-    EXPECT_EQ(done, (Lines{"about", "settings", "terminate"}));
+    EXPECT_EQ(done, (Lines{"terminate", "about", "settings"}));
 }
 
 TEST_F(StatusItemTest, AnItemChosenLateStillMeansWhatItShowed) {
     app->applicationDidFinishLaunching();
-    const WindowID other = desktop.openWindow(editor, "other", {0, 0, 50, 50});
+    const auto other = desktop.openWindow(editor, "other", {0, 0, 50, 50});
     desktop.activate(editor);
     desktop.advance(0.1);
     const platform::Menu menu = item().menu();
@@ -175,33 +119,16 @@ TEST_F(StatusItemTest, AnItemChosenLateStillMeansWhatItShowed) {
 
 TEST_F(StatusItemTest, TellsABarThatKeepsACopyOfTheMenu) {
     app->applicationDidFinishLaunching();
-    const auto shown = [this] {
-        return item().copy.size() > 3 ? item().copy[3].title : "";
-    };
     desktop.activate(editor);
     desktop.advance(0.1);
-    EXPECT_EQ(shown(), "Fissa «doc»");
+    EXPECT_EQ(item().copy.at(3).title, "Fissa «doc»");
     app->tracker().pin(desktop.foreign(document));
-    EXPECT_EQ(shown(), "Sblocca «doc»");
-    app->tracker().unpinAll();
-    EXPECT_EQ(shown(), "Fissa «doc»");
-}
-
-TEST_F(StatusItemTest, ReopeningOpensTheSettingsWhereNothingShowsTheIcon) {
-    app->applicationDidFinishLaunching();
-    app->applicationShouldHandleReopen();
-    EXPECT_EQ(done, Lines{});
-    desktop.statusBar.shown = false;
-    app->statusItemVisibility().setVisible(false);
-    app->applicationShouldHandleReopen();
-    EXPECT_EQ(done, Lines{"settings"});
-    EXPECT_TRUE(app->statusItemVisibility().isVisible());
+    EXPECT_EQ(item().copy.at(3).title, "Sblocca «doc»");
 }
 
 TEST_F(StatusItemTest, ApplicationMenuQuitsAndEdits) {
     app->applicationDidFinishLaunching();
     const platform::MainMenu& menu = desktop.application.mainMenu;
-    ASSERT_EQ(menu.size(), 2U);
     Lines items;
     for (const platform::TopLevelMenu& top : menu) {
         items.push_back("[" + top.title + "]");
@@ -211,7 +138,7 @@ TEST_F(StatusItemTest, ApplicationMenuQuitsAndEdits) {
     }
     EXPECT_EQ(items, (Lines{"[]", "Esci da Skylet q", "[Modifica]", "Annulla z", "Ripeti Z", "-", "Taglia x",
                             "Copia c", "Incolla v", "-", "Seleziona tutto a"}));
-    menu[0].items[0].action();
+    menu.at(0).items.at(0).action();
     EXPECT_EQ(done, Lines{"terminate"});
 }
 
@@ -234,18 +161,6 @@ TEST(ZentroMenuBarPill, SizesTheCapsuleByTheSymbolAndTheBar) {
         EXPECT_EQ(image.symbolOrigin.x * 2 + one.symbol.width, one.size.width);
         EXPECT_EQ(image.symbolOrigin.y * 2 + one.symbol.height, one.size.height);
     }
-}
-
-TEST(ZentroMenuBarPill, ColoursFollowTheAppearanceAndATintReplacesTheSymbols) {
-    const auto plain = ZentroMenuBarPill::compose({}, {12, 16}, 22, std::nullopt);
-    EXPECT_EQ(plain.background->color.dark, (platform::Color{0.85, 0.85, 0.85, 1}));
-    EXPECT_EQ(plain.background->color.light, (platform::Color{0.2, 0.2, 0.2, 0.85}));
-    EXPECT_EQ(plain.tint.dark, (platform::Color{0.1, 0.1, 0.1, 1}));
-    EXPECT_EQ(plain.tint.light, (platform::Color{1, 1, 1, 1}));
-    const platform::AppearanceColor tint{.light = {1, 0, 0}, .dark = {0, 1, 0}};
-    const auto tinted = ZentroMenuBarPill::compose({}, {12, 16}, 22, tint);
-    EXPECT_EQ(tinted.tint, tint);
-    EXPECT_EQ(tinted.background, plain.background);
 }
 
 } // namespace

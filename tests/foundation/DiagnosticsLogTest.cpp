@@ -6,14 +6,12 @@
 
 #include <QTemporaryDir>
 
-#include <condition_variable>
-#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <map>
 #include <mutex>
 #include <regex>
-#include <sys/stat.h>
 #include <thread>
 
 namespace skylet {
@@ -21,45 +19,19 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A queue with a thread of its own, as in production.
-class ThreadQueue final : public platform::SerialQueue {
+// Work comes from several threads, one piece at a time and in its order, as in production.
+class LockedQueues final : public platform::SerialQueueFactory {
   public:
-    ~ThreadQueue() override {
-        async(nullptr);
-        thread_.join();
-    }
-    void async(platform::Work work) override {
-        const std::lock_guard lock(mutex_);
-        items_.push_back(std::move(work));
-        changed_.notify_one();
-    }
-
-  private:
-    void run() {
-        while (const platform::Work work = next()) {
-            work();
-        }
-    }
-    platform::Work next() {
-        std::unique_lock lock(mutex_);
-        changed_.wait(lock, [this] { return !items_.empty(); });
-        platform::Work work = std::move(items_.front());
-        items_.pop_front();
-        return work;
-    }
-
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    std::deque<platform::Work> items_;
-    std::thread thread_{[this] {
-        run();
-    }};
-};
-
-struct ThreadQueues final : platform::SerialQueueFactory {
     std::unique_ptr<platform::SerialQueue> makeSerialQueue(const std::string& name) override {
+        struct Queue final : platform::SerialQueue {
+            void async(platform::Work work) override {
+                const std::lock_guard lock(mutex);
+                work();
+            }
+            std::mutex mutex;
+        };
         label = name;
-        return std::make_unique<ThreadQueue>();
+        return std::make_unique<Queue>();
     }
     std::string label;
 };
@@ -89,22 +61,14 @@ class DiagnosticsLogTest : public testing::Test {
         }
         return all;
     }
-    static mode_t modeOf(const std::string& path) {
-        struct stat status {};
-        return ::stat(path.c_str(), &status) == 0 ? status.st_mode & 07777U : 0;
-    }
 
     QTemporaryDir directory;
     sim::SimDefaults defaults;
-    ThreadQueues queues;
+    LockedQueues queues;
 };
 
 TEST_F(DiagnosticsLogTest, OffMeansNoFileNoDirectoryAndNoMessage) {
-    for (const bool absent : {false, true}) {
-        defaults.setBool(PreferenceKeys::debugLogging, false);
-        if (absent) {
-            defaults.remove(PreferenceKeys::debugLogging);
-        }
+    const auto expectSilence = [this] {
         withLog([](DiagnosticsLog& log) {
             wplog(log, [] {
                 ADD_FAILURE() << "the message was built";
@@ -112,7 +76,11 @@ TEST_F(DiagnosticsLogTest, OffMeansNoFileNoDirectoryAndNoMessage) {
             });
         });
         EXPECT_FALSE(fs::exists(state()));
-    }
+    };
+    defaults.setBool(PreferenceKeys::debugLogging, false);
+    expectSilence();
+    defaults.remove(PreferenceKeys::debugLogging);
+    expectSilence();
 }
 
 TEST_F(DiagnosticsLogTest, WritesPrivateFilesAndTheExactLineFormat) {
@@ -127,9 +95,9 @@ TEST_F(DiagnosticsLogTest, WritesPrivateFilesAndTheExactLineFormat) {
     ASSERT_EQ(lines().size(), 1U);
     const std::regex format(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3}  perché — ok)");
     EXPECT_TRUE(std::regex_match(lines()[0], format)) << lines()[0];
-    EXPECT_EQ(modeOf(file()), 0600U);
-    EXPECT_EQ(modeOf(state() + "/Skylet"), 0700U);
-    EXPECT_EQ(modeOf(state()), 0700U);
+    EXPECT_EQ(fs::status(file()).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_EQ(fs::status(state() + "/Skylet").permissions(), fs::perms::owner_all);
+    EXPECT_EQ(fs::status(state()).permissions(), fs::perms::owner_all);
     EXPECT_EQ(queues.label, "com.corvane.skylet.floating.log");
 }
 
@@ -158,15 +126,12 @@ TEST_F(DiagnosticsLogTest, LinesOfTwoThreadsStayWholeAndInOrder) {
         write('a');
         other.join();
     });
-    int expectedA = 0;
-    int expectedB = 0;
+    std::map<char, int> expected;
     for (const std::string& line : lines()) {
         const std::string message = line.substr(25);
-        int& expected = message[0] == 'a' ? expectedA : expectedB;
-        EXPECT_EQ(message.substr(1), " " + std::to_string(expected++));
+        EXPECT_EQ(message.substr(1), " " + std::to_string(expected[message[0]]++));
     }
-    EXPECT_EQ(expectedA, count);
-    EXPECT_EQ(expectedB, count);
+    EXPECT_EQ(expected, (std::map<char, int>{{'a', count}, {'b', count}}));
 }
 
 } // namespace

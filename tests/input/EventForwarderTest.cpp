@@ -5,8 +5,6 @@
 
 #include <cmath>
 #include <gtest/gtest.h>
-#include <string>
-#include <vector>
 
 namespace skylet {
 namespace {
@@ -16,14 +14,8 @@ using platform::InputEvent;
 using platform::Point;
 using platform::SyntheticEvent;
 
-constexpr platform::ProcessID editor = 500;
-
 class EventForwarderTest : public testing::Test {
   protected:
-    EventForwarderTest() {
-        desktop.launchApplication(editor, "Editor");
-        window = desktop.openWindow(editor, "doc", {100, 200, 1000, 500});
-    }
     // The one event that was posted, or nothing.
     std::optional<SyntheticEvent> forward(const InputEvent& event, platform::Size size = {500, 250}) {
         desktop.eventPoster.posted.clear();
@@ -33,30 +25,26 @@ class EventForwarderTest : public testing::Test {
             return std::nullopt;
         }
         EXPECT_EQ(desktop.eventPoster.posted.size(), 1U);
-        EXPECT_EQ(desktop.eventPoster.posted.front().pid, editor);
-        return desktop.eventPoster.posted.front().event;
+        EXPECT_EQ(desktop.eventPoster.posted.front().second, editor);
+        return desktop.eventPoster.posted.front().first;
     }
 
     sim::SimulatedDesktop desktop;
-    platform::WindowID window = 0;
+    platform::WindowID window = desktop.openWindow(editor, "doc", {100, 200, 1000, 500});
 };
 
 TEST_F(EventForwarderTest, MapsProportionallyAndDropsWhatLiesOutside) {
-    struct Case {
-        Point location;
-        std::optional<Point> target;
-    };
-    const std::vector<Case> cases{
+    const std::pair<Point, std::optional<Point>> cases[] = {
         {{150, 175}, Point{400, 350}}, {{0, 250}, Point{100, 200}}, {{500, 0}, Point{1100, 700}},
         {{500.01, 10}, std::nullopt},  {{-0.01, 10}, std::nullopt}, {{10, 250.01}, std::nullopt},
         {{10, -0.01}, std::nullopt},
     };
-    for (const Case& c : cases) {
-        const auto posted = forward({.type = EventType::leftMouseDown, .locationInWindow = c.location});
-        ASSERT_EQ(posted.has_value(), c.target.has_value()) << c.location.x << "," << c.location.y;
+    for (const auto& [location, target] : cases) {
+        const auto posted = forward({.type = EventType::leftMouseDown, .locationInWindow = location});
+        ASSERT_EQ(posted.has_value(), target.has_value()) << location.x << "," << location.y;
         if (posted) {
-            EXPECT_NEAR(posted->location.x, c.target->x, 1e-9);
-            EXPECT_NEAR(posted->location.y, c.target->y, 1e-9);
+            EXPECT_NEAR(posted->location.x, target->x, 1e-9);
+            EXPECT_NEAR(posted->location.y, target->y, 1e-9);
         }
     }
     EXPECT_FALSE(forward({.type = EventType::leftMouseDown}, {0, 250}));
@@ -69,33 +57,26 @@ TEST_F(EventForwarderTest, MouseEventsCarryTheirFieldsInOrder) {
     const auto id = std::int64_t{window};
     const std::vector<Field> target{
         {40, std::int64_t{editor}}, {91, id}, {92, id}, {51, id}, {58, std::int64_t{1}}};
-    struct Case {
-        EventType type;
-        platform::PostedMouseButton button;
-        bool hasNumber;
-    };
     using Button = platform::PostedMouseButton;
-    for (const Case& c : std::vector<Case>{{EventType::leftMouseDown, Button::left, false},
-                                           {EventType::leftMouseUp, Button::left, false},
-                                           {EventType::rightMouseDown, Button::right, false},
-                                           {EventType::rightMouseUp, Button::right, false},
-                                           {EventType::leftMouseDragged, Button::left, false},
-                                           {EventType::rightMouseDragged, Button::right, false},
-                                           {EventType::otherMouseDown, Button::center, true},
-                                           {EventType::otherMouseUp, Button::center, true},
-                                           {EventType::otherMouseDragged, Button::center, true}}) {
-        const auto posted = forward({.type = c.type,
+    using enum EventType;
+    const std::pair<EventType, Button> cases[] = {
+        {leftMouseDown, Button::left},    {leftMouseUp, Button::left},    {leftMouseDragged, Button::left},
+        {rightMouseDown, Button::right},  {rightMouseUp, Button::right},  {rightMouseDragged, Button::right},
+        {otherMouseDown, Button::center}, {otherMouseUp, Button::center}, {otherMouseDragged, Button::center},
+    };
+    for (const auto& [type, button] : cases) {
+        const auto posted = forward({.type = type,
                                      .locationInWindow = {1, 1},
                                      .modifierFlags = 0x100000 | 0x20000 | 0x10000 | 0x8,
                                      .clickCount = 0,
                                      .pressure = 0.5,
                                      .buttonNumber = 3});
         ASSERT_TRUE(posted);
-        EXPECT_EQ(static_cast<int>(posted->type), static_cast<int>(c.type));
-        EXPECT_EQ(posted->button, c.button);
+        EXPECT_EQ(static_cast<int>(posted->type), static_cast<int>(type));
+        EXPECT_EQ(posted->button, button);
         EXPECT_EQ(posted->flags, 0x120000U);
         std::vector<Field> expected{{1, std::int64_t{1}}, {2, 0.5}};
-        if (c.hasNumber) {
+        if (button == Button::center) {
             expected.push_back({3, std::int64_t{3}});
         }
         expected.insert(expected.end(), target.begin(), target.end());
@@ -133,15 +114,12 @@ TEST_F(EventForwarderTest, ScrollsByLinesOrByPoints) {
 }
 
 TEST(ScrollStepsTest, RoundsHalvesAwayFromZeroAndKeepsTheSmallestMotion) {
-    for (const auto& [value, steps] : std::vector<std::pair<double, int>>{{0, 0},
-                                                                          {0.1, 1},
-                                                                          {-0.1, -1},
-                                                                          {0.5, 1},
-                                                                          {-0.5, -1},
-                                                                          {1.5, 2},
-                                                                          {-1.5, -2},
-                                                                          {2.4, 2},
-                                                                          {2147483647, 2147483647}}) {
+    const std::pair<double, int> cases[] = {
+        {0, 0},     {0.1, 1},   {-0.1, -1},
+        {0.5, 1},   {-0.5, -1}, {1.5, 2},
+        {-1.5, -2}, {2.4, 2},   {2147483647, 2147483647},
+    };
+    for (const auto& [value, steps] : cases) {
         EXPECT_EQ(EventForwarder::scrollSteps(value), steps) << value;
     }
     EXPECT_DEATH((void)EventForwarder::scrollSteps(2147483648.0), "impossible");

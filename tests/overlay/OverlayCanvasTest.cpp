@@ -1,9 +1,7 @@
-// When the grips show, what their drags report and how they look.
-#include "overlay/GripDrawing.h"
+// When the grips show, and what their drags report.
 #include "overlay/OverlayCanvasView.h"
 #include "support/SimPanel.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace skylet {
@@ -22,23 +20,19 @@ class OverlayCanvasTest : public testing::Test {
         panel.setEventHandler([](const InputEvent&) {});
         canvas.pinIsVisible = true;
     }
-    static InputEvent at(Point location) {
-        InputEvent event;
-        event.locationInWindow = location;
-        return event;
-    }
-    [[nodiscard]] std::pair<bool, bool> shown() const {
+    using Shown = std::pair<bool, bool>;
+
+    static InputEvent at(Point location) { return {.locationInWindow = location}; }
+    [[nodiscard]] Shown shown() const {
         return {!panel.decorations[0]->hidden, !panel.decorations[1]->hidden};
     }
 
-    sim::SimPanelFactory panels;
+    std::vector<sim::SimPanel*> panels;
     sim::SimPanel panel{panels, {0, 0, 800, 500}, {}};
     OverlayCanvasView canvas{{0, 0, 800, 500}, panel.layer, panel};
     bool mayResize = true;
     int moves = 0, drags = 0, ends = 0;
 };
-
-using Shown = std::pair<bool, bool>;
 
 TEST_F(OverlayCanvasTest, GripsShowNearTheirCornersOnly) {
     const std::vector<std::pair<Point, Shown>> cases{
@@ -108,27 +102,6 @@ TEST_F(OverlayCanvasTest, TrackingThatCanNotGoOnEndsTheResize) {
     canvas.mouseDown(at({795, 5}));
     panel.endTracking();
     EXPECT_EQ(ends, 1);
-}
-
-TEST(GripDrawing, TheMoveGripIsAnArrowInFourDirections) {
-    const auto drawing = moveGripDrawing({0, 0, 26, 26});
-    const auto& background = std::get<platform::FilledRoundedRect>(drawing.at(0));
-    EXPECT_EQ(background.rect, (platform::Rect{3, 3, 20, 20}));
-    EXPECT_EQ(background.color, (platform::Color{0, 0, 0, 0.28}));
-    const auto& lines = std::get<platform::StrokedLines>(drawing.at(1));
-    using Stroke = std::pair<Point, Point>;
-    const std::vector<Stroke> strokes{{{5, 13}, {21, 13}}, {{13, 5}, {13, 21}},  {{5, 13}, {9, 16}},
-                                      {{5, 13}, {9, 10}},  {{21, 13}, {17, 16}}, {{21, 13}, {17, 10}},
-                                      {{13, 5}, {10, 9}},  {{13, 5}, {16, 9}},   {{13, 21}, {10, 17}},
-                                      {{13, 21}, {16, 17}}};
-    EXPECT_EQ(lines.segments.size(), strokes.size());
-    for (const Stroke& stroke : strokes) {
-        EXPECT_TRUE(std::ranges::any_of(lines.segments,
-                                        [&](const auto& segment) {
-                                            return Stroke{segment.from, segment.to} == stroke;
-                                        }))
-            << stroke.second.x << "," << stroke.second.y;
-    }
 }
 
 } // namespace

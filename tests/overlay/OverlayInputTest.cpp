@@ -1,8 +1,5 @@
 // Where input on an overlay goes, on both sides of the version gate.
-#include "foundation/PreferenceKeys.h"
 #include "overlay/OverlayScene.h"
-
-#include <gtest/gtest.h>
 
 namespace skylet {
 namespace {
@@ -16,9 +13,9 @@ constexpr Point middle{400, 250};
 constexpr std::uint64_t command = 0x100000;
 
 struct Situation {
-    bool version27 = false;
-    bool shown = true;
-    std::optional<bool> forwardEvents = std::nullopt;
+    bool version27;
+    bool shown;
+    std::optional<bool> forwardEvents;
 };
 
 Fate fateOf(const Situation& situation, EventType type, std::uint64_t modifiers = 0) {
@@ -31,12 +28,10 @@ Fate fateOf(const Situation& situation, EventType type, std::uint64_t modifiers 
     if (!situation.shown) {
         s.overlay->sendBehind();
     }
-    platform::InputEvent event;
-    event.type = type;
-    event.locationInWindow = middle;
-    event.modifierFlags = modifiers;
-    event.scrollingDeltaY = type == EventType::scrollWheel ? 3 : 0;
-    s.panel().inject(event);
+    s.panel().inject({.type = type,
+                      .locationInWindow = middle,
+                      .modifierFlags = modifiers,
+                      .scrollingDeltaY = type == EventType::scrollWheel ? 3.0 : 0.0});
     const bool switched = !s.desktop.workspace.activated.empty();
     EXPECT_LE(s.forwarded.size() + s.scrolls.size() + (switched ? 1 : 0), 1U);
     EXPECT_EQ(s.overlay->isPinVisible(), situation.shown && !switched) << "switching steps back";
@@ -51,47 +46,23 @@ TEST(OverlayInput, EveryEventHasOneFateInEverySituation) {
     const std::vector<EventType> releasesAndDrags{EventType::leftMouseUp,       EventType::rightMouseUp,
                                                   EventType::otherMouseUp,      EventType::leftMouseDragged,
                                                   EventType::rightMouseDragged, EventType::otherMouseDragged};
-    struct Row {
-        std::string name;
+    using enum Fate;
+    const std::optional<bool> neverSet;
+    struct {
+        const char* name;
         Situation situation;
         Fate press, commandPress, otherPress, releaseOrDrag, scroll;
+    } const rows[] = {
+        {"before 27", {false, true, neverSet}, forwarded, switched, forwarded, forwarded, forwarded},
+        {"before 27, on", {false, true, true}, forwarded, switched, forwarded, forwarded, forwarded},
+        {"before 27, off", {false, true, false}, switched, switched, nothing, nothing, nothing},
+        {"before 27, behind", {false, false, neverSet}, switched, switched, nothing, nothing, nothing},
+        {"27, never set", {true, true, neverSet}, switched, switched, switched, nothing, nothing},
+        {"27, on", {true, true, true}, switched, switched, switched, nothing, scrolled},
+        {"27, off", {true, true, false}, switched, switched, switched, nothing, nothing},
+        {"27, behind", {true, false, true}, switched, switched, nothing, nothing, nothing},
     };
-    using enum Fate;
-    const std::vector<Row> rows{
-        {"before 27, never set", {}, forwarded, switched, forwarded, forwarded, forwarded},
-        {"before 27, on", {.forwardEvents = true}, forwarded, switched, forwarded, forwarded, forwarded},
-        {"before 27, off", {.forwardEvents = false}, switched, switched, nothing, nothing, nothing},
-        {"before 27, behind", {.shown = false}, switched, switched, nothing, nothing, nothing},
-        {"27, never set",
-         {.version27 = true, .forwardEvents = {}},
-         switched,
-         switched,
-         switched,
-         nothing,
-         nothing},
-        {"27, on",
-         {.version27 = true, .forwardEvents = true},
-         switched,
-         switched,
-         switched,
-         nothing,
-         scrolled},
-        {"27, off",
-         {.version27 = true, .forwardEvents = false},
-         switched,
-         switched,
-         switched,
-         nothing,
-         nothing},
-        {"27, behind",
-         {.version27 = true, .shown = false, .forwardEvents = true},
-         switched,
-         switched,
-         nothing,
-         nothing,
-         nothing},
-    };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         EXPECT_EQ(fateOf(row.situation, EventType::leftMouseDown), row.press);
         EXPECT_EQ(fateOf(row.situation, EventType::leftMouseDown, command), row.commandPress);
@@ -120,10 +91,9 @@ TEST(OverlayInput, SwitchingLogsStepsBackAndRaises) {
     s.show();
     s.panel().inject(EventType::leftMouseDown, middle, command);
     const std::string id = std::to_string(s.target);
-    EXPECT_EQ(s.desktop.takeLog(),
-              (std::vector<std::string>{s.wid("switching to real window "), s.wid("sendBehind "),
-                                        "raiseWindow: AXRaise wid=" + id + " pid=500 result=0",
-                                        "raiseWindow: activated app 'Editor'"}));
+    EXPECT_EQ(s.desktop.takeLog(), (Lines{s.wid("switching to real window "), s.wid("sendBehind "),
+                                          "raiseWindow: AXRaise wid=" + id + " pid=500 result=0",
+                                          "raiseWindow: activated app 'Editor'"}));
 }
 
 TEST(OverlayInput, ScrollsMapProportionallyOntoTheTarget) {
@@ -134,11 +104,8 @@ TEST(OverlayInput, ScrollsMapProportionallyOntoTheTarget) {
     // The overlay keeps its size of 800 x 500 until the next look at the target.
     s.desktop.moveWindow(s.target, {1000, 50, 400, 1000});
     const auto scrollAt = [&s](Point location, double deltaY) {
-        platform::InputEvent event;
-        event.type = EventType::scrollWheel;
-        event.locationInWindow = location;
-        event.scrollingDeltaY = deltaY;
-        s.panel().inject(event);
+        s.panel().inject(
+            {.type = EventType::scrollWheel, .locationInWindow = location, .scrollingDeltaY = deltaY});
     };
     scrollAt({0, 500}, 3);
     scrollAt({800, 0}, -1.5);
@@ -151,18 +118,15 @@ TEST(OverlayInput, ScrollsMapProportionallyOntoTheTarget) {
 }
 
 TEST(OverlayInput, PressesInTheBottomCornersBelongToTheGrips) {
-    struct Case {
-        Point location;
-        bool forwards;
-    };
-    for (const Case& test : {Case{{28, 28}, false}, Case{{28.5, 10}, true}, Case{{10, 28.5}, true},
-                             Case{{772, 28}, false}, Case{{771.5, 10}, true}, Case{{790, 28.5}, true}}) {
+    const std::pair<Point, bool> cases[] = {{{28, 28}, false},  {{28.5, 10}, true},  {{10, 28.5}, true},
+                                            {{772, 28}, false}, {{771.5, 10}, true}, {{790, 28.5}, true}};
+    for (const auto& [location, forwards] : cases) {
         OverlayScene s;
         s.show();
-        s.panel().inject(EventType::leftMouseDown, test.location);
-        EXPECT_EQ(!s.forwarded.empty(), test.forwards) << test.location.x << "," << test.location.y;
+        s.panel().inject(EventType::leftMouseDown, location);
+        EXPECT_EQ(!s.forwarded.empty(), forwards) << location.x << "," << location.y;
         // Where no grip lies under the corner's edge, the press is one on the picture.
-        EXPECT_EQ(!s.desktop.workspace.activated.empty(), !test.forwards);
+        EXPECT_EQ(!s.desktop.workspace.activated.empty(), !forwards);
     }
 }
 
@@ -179,20 +143,6 @@ TEST(OverlayInput, AMoveDragOwnsTheMouseUntilTheLeftButtonIsReleased) {
     EXPECT_TRUE(s.desktop.workspace.activated.empty());
     s.panel().inject(EventType::leftMouseDown, middle);
     EXPECT_EQ(s.forwarded, std::vector{EventType::leftMouseDown});
-}
-
-TEST(OverlayInput, RoutesThatLeadNowhereAreNotTaken) {
-    OverlayScene s;
-    s.routes = {};
-    s.show();
-    s.panel().inject(EventType::leftMouseDown, middle);
-    s.stream().deliver({.status = platform::FrameStatus::complete,
-                        .surface = std::make_shared<sim::SimSurface>(),
-                        .pixelWidth = 1,
-                        .pixelHeight = 1});
-    s.desktop.advance(0);
-    s.overlay->hideOverlay();
-    EXPECT_FALSE(s.overlay->isPinVisible());
 }
 
 } // namespace

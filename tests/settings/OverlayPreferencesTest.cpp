@@ -1,7 +1,6 @@
 #include "settings/OverlayPreferences.h"
 
 #include "foundation/PreferenceKeys.h"
-#include "platform/Panel.h"
 #include "settings/L10n.h"
 #include "support/SimulatedDesktop.h"
 
@@ -15,16 +14,14 @@ namespace {
 
 class OverlayPreferencesTest : public testing::Test {
   protected:
-    OverlayPreferencesTest() { desktop.launchApplication(10, "App"); }
-    platform::WindowID pin() {
-        const auto window = desktop.openWindow(10, "pinned", {100, 100, 400, 300});
-        desktop.launchApplication(11, "Other");
-        desktop.openWindow(11, "front", {0, 0, 50, 50});
-        tracker.pin(desktop.foreign(window));
-        desktop.activate(11);
+    // One window is pinned and another application is in front.
+    OverlayPreferencesTest() {
+        pin();
+        desktop.openWindow(browser, "front", {0, 0, 50, 50});
+        desktop.activate(browser);
         desktop.advance(1);
-        return window;
     }
+    void pin() { tracker.pin(desktop.foreign(desktop.openWindow(editor, "pinned", {100, 100, 400, 300}))); }
 
     sim::SimulatedDesktop desktop;
     OverlayInputRoutes routes;
@@ -32,42 +29,31 @@ class OverlayPreferencesTest : public testing::Test {
     OverlayPreferences preferences{desktop.defaults, tracker};
 };
 
-TEST_F(OverlayPreferencesTest, ShowTheirDefaultsWhenNothingIsStored) {
-    EXPECT_EQ(preferences.captureRate.value(), 30.0);
-    EXPECT_TRUE(preferences.forwardEvents.value());
-    EXPECT_FALSE(preferences.pinToAllSpaces.value());
-    EXPECT_FALSE(desktop.defaults.contains(PreferenceKeys::captureRate));
-}
-
 TEST_F(OverlayPreferencesTest, ARateReachesRunningStreamsOnly) {
+    auto& configurations = desktop.capture.streams.at(0)->configurations;
     preferences.captureRate.set(60);
     EXPECT_EQ(desktop.defaults.readDouble(PreferenceKeys::captureRate).value, 60);
-    pin();
-    ASSERT_EQ(desktop.capture.streams.size(), 1U);
-    auto& configurations = desktop.capture.streams.front()->configurations;
     EXPECT_EQ(configurations.back().minimumFrameInterval.value, 10);
     const auto updates = configurations.size();
-    preferences.captureRate.set(0.5);
-    ASSERT_EQ(configurations.size(), updates + 1);
-    EXPECT_EQ(configurations.back().minimumFrameInterval.value, 1200);
-    preferences.captureRate.set(0.5); // no change
-    EXPECT_EQ(configurations.size(), updates + 1);
+    preferences.captureRate.set(60); // no change
+    EXPECT_EQ(configurations.size(), updates);
     desktop.defaults.setDouble(PreferenceKeys::captureRate, 5); // from outside
     EXPECT_EQ(preferences.captureRate.value(), 5);
     EXPECT_EQ(configurations.back().minimumFrameInterval.value, 120);
-    desktop.activate(10); // the overlay steps back and has no stream any more
+    desktop.activate(editor); // the overlay steps back and has no stream any more
     desktop.advance(1);
     EXPECT_TRUE(desktop.capture.streams.empty());
     preferences.captureRate.set(1);
 }
 
-TEST_F(OverlayPreferencesTest, AllSpacesReachesEveryOverlay) {
-    pin();
+TEST_F(OverlayPreferencesTest, AllSpacesReachesEveryOverlayAlsoLaterOnes) {
     const auto behavior = [this] {
-        return desktop.panels.panels.front()->configuration.collectionBehavior;
+        return desktop.panels.panels.back()->configuration.collectionBehavior;
     };
     EXPECT_EQ(behavior(), 256U);
     preferences.pinToAllSpaces.set(true);
+    EXPECT_EQ(behavior(), 257U);
+    pin();
     EXPECT_EQ(behavior(), 257U);
     desktop.defaults.remove(PreferenceKeys::pinToAllSpaces);
     EXPECT_EQ(behavior(), 256U);
@@ -85,25 +71,13 @@ TEST_F(OverlayPreferencesTest, OneNoticePerChange) {
     EXPECT_EQ(notices, 2);
 }
 
-TEST(CaptureRateOptions, AreTheEightRatesInOrder) {
-    std::string labels;
-    for (const CaptureRateOption& option : captureRateOptions) {
-        labels += option.label;
-        labels += ";";
-    }
-    EXPECT_EQ(labels, "0.5 fps;1 fps;2 fps;5 fps;10 fps;15 fps;30 fps;60 fps;");
-    EXPECT_EQ(captureRateOptions.front().framesPerSecond, 0.5);
-    EXPECT_EQ(captureRateOptions.back().framesPerSecond, 60);
-}
-
 // A table of translations with one entry.
 class OneEntry final : public QTranslator {
   public:
     [[nodiscard]] bool isEmpty() const override { return false; }
     [[nodiscard]] QString translate(const char* context, const char* text, const char* /*disambiguation*/,
                                     int /*n*/) const override {
-        const bool isIt =
-            QLatin1StringView(context) == QLatin1StringView("Localizable") && qstrcmp(text, "known") == 0;
+        const bool isIt = qstrcmp(context, "Localizable") == 0 && qstrcmp(text, "known") == 0;
         return isIt ? QStringLiteral("found %@") : QString();
     }
 };
@@ -122,13 +96,7 @@ TEST(L10n, LooksUpAndFallsBack) {
 }
 
 TEST(L10n, FormatsAsPrintfDoes) {
-    using Arguments = std::vector<L10n::Argument>;
-    struct Case {
-        const char* format;
-        Arguments arguments;
-        const char* expected;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, std::vector<L10n::Argument>, const char*> cases[] = {
         {"riapri %@ dalla", {std::string("Skylet")}, "riapri Skylet dalla"},
         {"%2$@ di %1$@", {std::string("a"), std::string("b")}, "b di a"},
         {"%d%% di %lld", {std::int64_t{5}, std::int64_t{12345}}, "5% di 12345"},
@@ -138,8 +106,8 @@ TEST(L10n, FormatsAsPrintfDoes) {
         {"%@", {std::string("%d")}, "%d"},
         {"100 %", {}, "100 %"},
     };
-    for (const Case& test : cases) {
-        EXPECT_EQ(L10n::format(test.format, test.format, test.arguments), test.expected);
+    for (const auto& [format, arguments, expected] : cases) {
+        EXPECT_EQ(L10n::format(format, format, arguments), expected);
     }
 }
 

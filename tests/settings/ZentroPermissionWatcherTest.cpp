@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 #include <memory>
-#include <optional>
-#include <vector>
 
 namespace skylet {
 namespace {
@@ -104,28 +102,6 @@ TEST_F(ZentroPermissionWatcherTest, DoesNothingOnceReleased) {
     desktop.advance(5);
     notifications.becomeActive();
     EXPECT_EQ(probes, 1);
-}
-
-TEST_F(ZentroPermissionWatcherTest, EachPermissionHasItsProbe) {
-    desktop.accessibility.trusted = true;
-    desktop.capture.permitted = false;
-    desktop.eventPoster.permitted = false;
-    const Watcher::Services services{desktop.mainQueue, notifications};
-    auto accessibility = Watcher::accessibility(services, desktop.accessibility);
-    auto screen = Watcher::screenRecording(services, desktop.capture);
-    auto post = Watcher::postEvent(services, desktop.eventPoster);
-    EXPECT_TRUE(accessibility.isGranted());
-    EXPECT_FALSE(screen.isGranted());
-    EXPECT_FALSE(post.isGranted());
-    desktop.eventPoster.grantsOnRequest = true;
-    EXPECT_TRUE(Watcher::promptForPostEvent(desktop.eventPoster));
-    desktop.capture.permitted = true;
-    announce(); // concerns accessibility only
-    desktop.accessibility.trusted = false;
-    desktop.advance(1);
-    EXPECT_TRUE(accessibility.isGranted());
-    EXPECT_TRUE(screen.isGranted());
-    EXPECT_TRUE(post.isGranted());
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// What accessibility tells about the contents of a simulated window.
+// What accessibility tells about a simulated window and its contents.
 #pragma once
 
 #include "platform/Accessibility.h"
@@ -16,13 +16,14 @@ using SimNodeRef = std::shared_ptr<SimNode>;
 
 struct SimNode {
     std::string role = "AXGroup";
-    std::optional<platform::Rect> frame; // window-server coordinates
-    std::vector<SimNodeRef> children;
-    SimNodeRef verticalBar;
+    // What is absent cannot be read. Positions are window-server coordinates.
+    std::optional<std::string> title{};
+    std::optional<platform::Point> position{};
+    std::optional<platform::Size> size{};
+    std::vector<SimNodeRef> children{};
+    SimNodeRef verticalBar{};
     // Of bars.
-    std::optional<double> value;
-    std::optional<double> minimum;
-    std::optional<double> maximum;
+    std::optional<double> value{}, minimum{}, maximum{};
     bool isSettable = true;
     bool ignoresWrites = false; // and says that it obeys them
     int settableError = platform::AXError::success;
@@ -37,14 +38,9 @@ struct SimNode {
         return children.emplace_back(std::make_shared<SimNode>(std::move(child)));
     }
     // A scroll area with a bar that can be set.
-    SimNodeRef addScrollArea(platform::Rect areaFrame, double barValue) {
-        SimNode bar;
-        bar.role = "AXScrollBar";
-        bar.value = barValue;
-        SimNode area;
-        area.role = "AXScrollArea";
-        area.frame = areaFrame;
-        area.verticalBar = std::make_shared<SimNode>(bar);
+    SimNodeRef addScrollArea(platform::Rect frame, double barValue) {
+        SimNode area{.role = "AXScrollArea", .position = frame.origin(), .size = frame.size()};
+        area.verticalBar = std::make_shared<SimNode>(SimNode{.role = "AXScrollBar", .value = barValue});
         return add(std::move(area));
     }
 };

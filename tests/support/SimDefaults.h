@@ -11,24 +11,16 @@
 
 namespace skylet::sim {
 
-class SimDefaults final : public platform::Defaults {
-  public:
-    using Value = std::variant<bool, std::int64_t, double, std::string>;
+struct SimDefaults final : platform::Defaults {
+    template <class T>
+    using Read = platform::DefaultsRead<T>;
 
     [[nodiscard]] bool contains(std::string_view key) const { return values_.contains(std::string(key)); }
 
-    [[nodiscard]] platform::DefaultsRead<bool> readBool(std::string_view key) const override {
-        return read<bool>(key);
-    }
-    [[nodiscard]] platform::DefaultsRead<std::int64_t> readInteger(std::string_view key) const override {
-        return read<std::int64_t>(key);
-    }
-    [[nodiscard]] platform::DefaultsRead<double> readDouble(std::string_view key) const override {
-        return read<double>(key);
-    }
-    [[nodiscard]] platform::DefaultsRead<std::string> readText(std::string_view key) const override {
-        return read<std::string>(key);
-    }
+    Read<bool> readBool(std::string_view key) const override { return read<bool>(key); }
+    Read<std::int64_t> readInteger(std::string_view key) const override { return read<std::int64_t>(key); }
+    Read<double> readDouble(std::string_view key) const override { return read<double>(key); }
+    Read<std::string> readText(std::string_view key) const override { return read<std::string>(key); }
     void setBool(std::string_view key, bool value) override { set(key, value); }
     void setInteger(std::string_view key, std::int64_t value) override { set(key, value); }
     void setDouble(std::string_view key, double value) override { set(key, value); }
@@ -37,21 +29,21 @@ class SimDefaults final : public platform::Defaults {
         values_.erase(std::string(key));
         didChange_.post();
     }
-    [[nodiscard]] platform::Subscription observeDidChange(std::function<void()> notice) override {
+    platform::Subscription observeDidChange(std::function<void()> notice) override {
         return didChange_.observe(std::move(notice));
     }
 
-  private:
+    using Value = std::variant<bool, std::int64_t, double, std::string>;
     template <class T>
-    [[nodiscard]] platform::DefaultsRead<T> read(std::string_view key) const {
+    [[nodiscard]] Read<T> read(std::string_view key) const {
+        using enum platform::DefaultsStatus;
         const auto found = values_.find(std::string(key));
         if (found == values_.end()) {
             return {};
         }
-        const T* value = std::get_if<T>(&found->second);
-        using platform::DefaultsStatus;
-        return value == nullptr ? platform::DefaultsRead<T>{.status = DefaultsStatus::wrongType, .value = T{}}
-                                : platform::DefaultsRead<T>{.status = DefaultsStatus::value, .value = *value};
+        const T* stored = std::get_if<T>(&found->second);
+        return stored == nullptr ? Read<T>{.status = wrongType, .value = T{}}
+                                 : Read<T>{.status = value, .value = *stored};
     }
     void set(std::string_view key, Value value) {
         values_[std::string(key)] = std::move(value);

@@ -11,8 +11,7 @@
 
 namespace skylet::sim {
 
-class SimEventTap final : public platform::EventTap {
-  public:
+struct SimEventTap final : platform::EventTap {
     bool canCreate = true;
     bool permitted = true;
     bool keyIsFree = true;
@@ -35,42 +34,35 @@ class SimEventTap final : public platform::EventTap {
         wantedKeys.emplace_back(keyCode, flags);
         return !callback_ || keyIsFree;
     }
-    [[nodiscard]] bool create(Callback callback) override {
+    bool create(Callback callback) override {
         ++attempts;
         if (canCreate) {
             callback_ = std::move(callback);
         }
         return canCreate;
     }
-    [[nodiscard]] bool exists() const override { return static_cast<bool>(callback_); }
+    bool exists() const override { return static_cast<bool>(callback_); }
     void setEnabled(bool value) override { enabled = value; }
-    [[nodiscard]] std::optional<std::string> failureReason() const override { return reason; }
-    [[nodiscard]] std::optional<platform::KeyRefusal> refusal() const override {
+    std::optional<std::string> failureReason() const override { return reason; }
+    std::optional<platform::KeyRefusal> refusal() const override {
         return keyIsFree ? std::nullopt : std::optional(platform::KeyRefusal::heldByAnotherProgram);
     }
-    [[nodiscard]] bool mayCreate() const override { return permitted; }
-    [[nodiscard]] bool preflightListenAccess() override { return permitted; }
+    bool mayCreate() const override { return permitted; }
+    bool preflightListenAccess() override { return permitted; }
 
-  private:
     Callback callback_;
 };
 
-class SimEventPoster final : public platform::EventPoster {
-  public:
-    struct Posted {
-        platform::SyntheticEvent event;
-        platform::ProcessID pid;
-    };
+struct SimEventPoster final : platform::EventPoster {
     bool permitted = true;
-    std::vector<Posted> posted;
-
     bool grantsOnRequest = false;
-    int requests = 0;
+    std::vector<std::pair<platform::SyntheticEvent, platform::ProcessID>> posted;
+    std::size_t requests = 0;
 
     void postToPid(const platform::SyntheticEvent& event, platform::ProcessID pid) override {
-        posted.push_back({event, pid});
+        posted.emplace_back(event, pid);
     }
-    [[nodiscard]] bool preflightPostAccess() override { return permitted; }
+    bool preflightPostAccess() override { return permitted; }
     bool requestPostAccess() override {
         ++requests;
         permitted = permitted || grantsOnRequest;

@@ -4,9 +4,13 @@
 #include "platform/Panel.h"
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace skylet::sim {
+
+using platform::EventType;
+using platform::InputEvent;
 
 struct SimDecoration final : platform::Decoration {
     void setFrame(platform::Rect rect) override { frame = rect; }
@@ -26,15 +30,19 @@ struct SimLayer final : platform::Layer {
     platform::Rect frame;
 };
 
-class SimPanelFactory;
-
-class SimPanel final : public platform::Panel {
-  public:
+struct SimPanel final : platform::Panel {
     enum class Order { out, front, back };
 
-    SimPanel(SimPanelFactory& factory, platform::Rect frame,
-             const platform::PanelConfiguration& configuration);
-    ~SimPanel() override;
+    // Stands in the list of `all` panels while it lives.
+    SimPanel(std::vector<SimPanel*>& all, platform::Rect frame,
+             const platform::PanelConfiguration& panelConfiguration)
+        : configuration(panelConfiguration)
+        , level(panelConfiguration.level)
+        , all_(all)
+        , frame_(frame) {
+        all_.push_back(this);
+    }
+    ~SimPanel() override { std::erase(all_, this); }
 
     platform::PanelConfiguration configuration;
     Order order = Order::out;
@@ -46,33 +54,78 @@ class SimPanel final : public platform::Panel {
     std::optional<double> scale;
 
     // The user does something at a place of the panel; true to the rules of tracking and of window drags.
-    void inject(platform::EventType type, platform::Point location, std::uint64_t modifiers = 0);
-    void inject(platform::InputEvent event);
+    void inject(EventType type, platform::Point location, std::uint64_t modifiers = 0) {
+        inject({.type = type,
+                .locationInWindow = location,
+                .locationOnScreen = {frame_.x + location.x, frame_.y + location.y},
+                .modifierFlags = modifiers});
+    }
+    void inject(InputEvent event) {
+        const bool isPointerWay = event.type == EventType::mouseEntered ||
+                                  event.type == EventType::mouseExited || event.type == EventType::mouseMoved;
+        if (trackingHandler_ && !isPointerWay) {
+            if ((eventMask(event.type) & trackingMask_) != 0 && !TrackingHandler(trackingHandler_)(event)) {
+                trackingHandler_ = nullptr;
+            }
+            return;
+        }
+        if (dragDone_ && event.type == EventType::leftMouseDragged) {
+            setFrame({dragOrigin_.x + event.locationOnScreen.x - dragStart_.x,
+                      dragOrigin_.y + event.locationOnScreen.y - dragStart_.y, frame_.width, frame_.height},
+                     false);
+            return;
+        }
+        if (dragDone_ && event.type == EventType::leftMouseUp) {
+            std::exchange(dragDone_, nullptr)();
+        }
+        eventHandler_(event);
+    }
     // No event will come any more.
-    void endTracking();
+    void endTracking() {
+        if (trackingHandler_) {
+            std::exchange(trackingHandler_, nullptr)(std::nullopt);
+        }
+    }
 
-    [[nodiscard]] platform::Rect frame() const override { return frame_; }
-    void setFrame(platform::Rect rect, bool display) override;
+    platform::Rect frame() const override { return frame_; }
+    void setFrame(platform::Rect rect, bool /*display*/) override {
+        const bool resized = rect.size() != frame_.size();
+        frame_ = rect;
+        if (resized && resizeHandler_) {
+            resizeHandler_();
+        }
+    }
     void setResizeHandler(std::function<void()> handler) override { resizeHandler_ = std::move(handler); }
-    [[nodiscard]] bool isVisible() const override { return order != Order::out; }
+    bool isVisible() const override { return order != Order::out; }
     void setLevel(int value) override { level = value; }
     void orderFrontRegardless() override { order = Order::front; }
     void orderBack() override { order = Order::back; }
     void orderOut() override { order = Order::out; }
     void setAlpha(double value) override { alpha = value; }
-    void animateAlpha(double value, double seconds) override;
+    void animateAlpha(double value, double seconds) override {
+        alpha = value;
+        animations.emplace_back(value, seconds);
+    }
     void setCollectionBehavior(std::uint32_t behavior) override {
         configuration.collectionBehavior = behavior;
     }
-    [[nodiscard]] platform::Layer& contentLayer() override { return layer; }
-    [[nodiscard]] platform::Decoration& addDecoration() override;
-    [[nodiscard]] std::optional<double> backingScaleFactor() const override { return scale; }
+    platform::Layer& contentLayer() override { return layer; }
+    platform::Decoration& addDecoration() override {
+        return *decorations.emplace_back(std::make_unique<SimDecoration>());
+    }
+    std::optional<double> backingScaleFactor() const override { return scale; }
     void setEventHandler(EventHandler handler) override { eventHandler_ = std::move(handler); }
-    void trackEvents(std::uint64_t mask, TrackingHandler handler) override;
-    void performWindowDrag(const platform::InputEvent& mouseDown, std::function<void()> done) override;
+    void trackEvents(std::uint64_t mask, TrackingHandler handler) override {
+        trackingMask_ = mask;
+        trackingHandler_ = std::move(handler);
+    }
+    void performWindowDrag(const InputEvent& mouseDown, std::function<void()> done) override {
+        dragStart_ = mouseDown.locationOnScreen;
+        dragOrigin_ = frame_.origin();
+        dragDone_ = std::move(done);
+    }
 
-  private:
-    SimPanelFactory& factory_;
+    std::vector<SimPanel*>& all_;
     platform::Rect frame_;
     std::function<void()> resizeHandler_;
     EventHandler eventHandler_;
@@ -83,13 +136,12 @@ class SimPanel final : public platform::Panel {
     platform::Point dragOrigin_;
 };
 
-class SimPanelFactory final : public platform::PanelFactory {
-  public:
+struct SimPanelFactory final : platform::PanelFactory {
     std::vector<SimPanel*> panels; // those that live, oldest first
 
-    [[nodiscard]] std::unique_ptr<platform::Panel>
-    makePanel(platform::Rect contentRect, const platform::PanelConfiguration& configuration) override {
-        return std::make_unique<SimPanel>(*this, contentRect, configuration);
+    std::unique_ptr<platform::Panel> makePanel(platform::Rect contentRect,
+                                               const platform::PanelConfiguration& configuration) override {
+        return std::make_unique<SimPanel>(panels, contentRect, configuration);
     }
 };
 

@@ -7,6 +7,7 @@
 #include "platform/LoginItem.h"
 #include "platform/Notifications.h"
 #include "platform/OwnWindows.h"
+#include "settings/Binding.h"
 
 #include <map>
 #include <memory>
@@ -16,70 +17,70 @@
 
 namespace skylet::sim {
 
-class SimNotifications final : public platform::Notifications {
-  public:
+// What the settings keep in a plain variable.
+template <class T>
+Binding<T> bound(T& variable) {
+    return {.get = [&variable] { return variable; },
+            .set =
+                [&variable](T value) {
+                    variable = value;
+                }};
+}
+
+struct SimNotifications final : platform::Notifications {
     void becomeActive() { active_.post(); }
     void announce(const std::string& name) { distributed_[name].post(); }
 
-    [[nodiscard]] platform::Subscription observeDidBecomeActive(std::function<void()> notice) override {
+    platform::Subscription observeDidBecomeActive(std::function<void()> notice) override {
         return active_.observe(std::move(notice));
     }
-    [[nodiscard]] platform::Subscription observeDistributed(std::string_view name,
-                                                            std::function<void()> notice) override {
+    platform::Subscription observeDistributed(std::string_view name, std::function<void()> notice) override {
         return distributed_[std::string(name)].observe(std::move(notice));
     }
 
-  private:
     Notice<> active_;
     std::map<std::string, Notice<>> distributed_;
 };
 
-class SimKeyDownMonitor final : public platform::KeyDownMonitor {
-  public:
+struct SimKeyDownMonitor final : platform::KeyDownMonitor {
     // The user presses a key in one of the windows; answers whether a monitor took it.
     bool press(std::int64_t keyCode, std::uint64_t flags = 0) {
         const auto handler = handler_.lock();
-        if (handler == nullptr) {
-            return false;
+        if (handler != nullptr) {
+            (*handler)({.keyCode = keyCode, .flags = flags});
         }
-        (*handler)({.keyCode = keyCode, .flags = flags});
-        return true;
+        return handler != nullptr;
     }
     [[nodiscard]] bool isInstalled() const { return !handler_.expired(); }
 
-    [[nodiscard]] platform::Subscription addLocalMonitorForKeyDown(Handler handler) override {
-        auto installed = std::make_unique<Installed>(std::move(handler));
-        handler_ = installed->handler;
+    platform::Subscription addLocalMonitorForKeyDown(Handler handler) override {
+        struct Installed final : platform::SubscriptionBase {
+            std::shared_ptr<const Handler> handler;
+        };
+        auto installed = std::make_unique<Installed>();
+        handler_ = installed->handler = std::make_shared<const Handler>(std::move(handler));
         return installed;
     }
-
-  private:
-    struct Installed final : platform::SubscriptionBase {
-        explicit Installed(Handler value) : handler(std::make_shared<const Handler>(std::move(value))) {}
-        std::shared_ptr<const Handler> handler;
-    };
 
     std::weak_ptr<const Handler> handler_;
 };
 
-class SimLoginItem final : public platform::LoginItem {
-  public:
+struct SimLoginItem final : platform::LoginItem {
     bool enabled = false;
     bool refuses = false;
 
-    [[nodiscard]] bool isEnabled() const override { return enabled; }
-    [[nodiscard]] bool registerItem() override {
+    bool isEnabled() const override { return enabled; }
+    bool registerItem() override {
         enabled = enabled || !refuses;
         return !refuses;
     }
-    [[nodiscard]] bool unregisterItem() override {
+    bool unregisterItem() override {
         enabled = enabled && refuses;
         return !refuses;
     }
 };
 
-class SimOwnWindows final : public platform::OwnWindows {
-  public:
+struct SimOwnWindows final : platform::OwnWindows {
     std::vector<platform::NativeWindow> brought;
 
     void bringToActiveSpace(platform::NativeWindow window) override { brought.push_back(window); }

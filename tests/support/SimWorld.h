@@ -20,11 +20,11 @@ namespace skylet::sim {
 struct SimWindow {
     platform::WindowEntry entry; // as the window server lists it; take keys out to make them missing
     bool onScreen = true;        // false: minimised, hidden or on another desktop
-    // What accessibility says; absent: that attribute cannot be read.
-    std::optional<std::string> axTitle;
-    std::optional<platform::Point> axPosition;
-    std::optional<platform::Size> axSize;
-    SimNodeRef content = std::make_shared<SimNode>(); // its children are the window's
+    SimNodeRef ax = std::make_shared<SimNode>(); // what accessibility says
+
+    [[nodiscard]] platform::WindowID id() const {
+        return static_cast<platform::WindowID>(entry.number.value_or(0));
+    }
 };
 
 struct SimApplication {
@@ -42,24 +42,22 @@ struct SimWorld {
     platform::WindowID lastWindowID = 100;
 
     [[nodiscard]] SimWindow* find(platform::WindowID windowID);
+    [[nodiscard]] std::optional<platform::RunningApplication> running(platform::ProcessID pid) const;
 };
 
-class SimWindowServer final : public platform::WindowServer {
-  public:
+struct SimWindowServer final : platform::WindowServer {
     explicit SimWindowServer(SimWorld& world) : world_(world) {}
     bool listFails = false;
     int copies = 0;
 
-    [[nodiscard]] std::optional<std::vector<platform::WindowEntry>>
-    copyWindowList(std::uint32_t options, platform::WindowID relativeTo) override;
-    [[nodiscard]] int normalWindowLevel() const override { return 0; }
+    std::optional<std::vector<platform::WindowEntry>> copyWindowList(std::uint32_t options,
+                                                                     platform::WindowID relativeTo) override;
+    int normalWindowLevel() const override { return 0; }
 
-  private:
     SimWorld& world_;
 };
 
-class SimAccessibility final : public platform::Accessibility {
-  public:
+struct SimAccessibility final : platform::Accessibility {
     explicit SimAccessibility(SimWorld& world) : world_(world) {}
     bool trusted = true;
     std::function<void()> onPrompt = [] {
@@ -67,28 +65,28 @@ class SimAccessibility final : public platform::Accessibility {
     std::vector<platform::WindowID> raised;
     double waited = 0; // for other applications, in seconds
 
-    [[nodiscard]] bool isProcessTrusted() override { return trusted; }
-    bool isProcessTrustedWithPrompt() override;
-    [[nodiscard]] platform::AXElementRef createApplication(platform::ProcessID pid) override;
-    [[nodiscard]] platform::AXResult copyAttributeValue(const platform::AXElementRef& element,
-                                                        std::string_view attribute) override;
+    bool isProcessTrusted() override { return trusted; }
+    bool isProcessTrustedWithPrompt() override {
+        onPrompt();
+        return trusted;
+    }
+    platform::AXElementRef createApplication(platform::ProcessID pid) override;
+    platform::AXResult copyAttributeValue(const platform::AXElementRef& element,
+                                          std::string_view attribute) override;
     int setAttributeValue(const platform::AXElementRef& element, std::string_view attribute,
                           double value) override;
-    [[nodiscard]] std::pair<int, bool> isAttributeSettable(const platform::AXElementRef& element,
-                                                           std::string_view attribute) override;
+    std::pair<int, bool> isAttributeSettable(const platform::AXElementRef& element,
+                                             std::string_view attribute) override;
     int performAction(const platform::AXElementRef& element, std::string_view action) override;
     // Holds for everything reached through the element, too.
     void setMessagingTimeout(const platform::AXElementRef& element, double seconds) override;
 
-  private:
-    // The error that a call to the element's application ends with before it is looked at.
-    [[nodiscard]] int reach(const platform::AXElement& element);
+    [[nodiscard]] int reach(const platform::AXElementRef& element);
 
     SimWorld& world_;
 };
 
-class SimWorkspace final : public platform::Workspace {
-  public:
+struct SimWorkspace final : platform::Workspace {
     SimWorkspace(SimWorld& world, SimMainQueue& mainQueue) : world_(world), mainQueue_(mainQueue) {}
     bool version27 = false;
     std::vector<platform::ProcessID> activated; // on this program's request
@@ -96,21 +94,27 @@ class SimWorkspace final : public platform::Workspace {
     void postDidActivate(std::optional<platform::RunningApplication> application);
     void postDidTerminate(std::optional<platform::RunningApplication> application);
 
-    [[nodiscard]] platform::ProcessID ownProcessIdentifier() const override { return SimWorld::ownPID; }
-    [[nodiscard]] std::optional<platform::RunningApplication> frontmostApplication() override;
-    [[nodiscard]] std::optional<platform::RunningApplication>
-    runningApplication(platform::ProcessID pid) override;
+    platform::ProcessID ownProcessIdentifier() const override { return SimWorld::ownPID; }
+    std::optional<platform::RunningApplication> frontmostApplication() override {
+        return world_.frontmost ? world_.running(*world_.frontmost) : std::nullopt;
+    }
+    std::optional<platform::RunningApplication> runningApplication(platform::ProcessID pid) override {
+        return world_.running(pid);
+    }
     bool activate(platform::ProcessID pid) override;
-    [[nodiscard]] platform::Subscription observeDidActivateApplication(ApplicationNotice notice) override;
-    [[nodiscard]] platform::Subscription observeDidTerminateApplication(ApplicationNotice notice) override;
+    platform::Subscription observeDidActivateApplication(ApplicationNotice notice) override {
+        return didActivate_.observe(std::move(notice));
+    }
+    platform::Subscription observeDidTerminateApplication(ApplicationNotice notice) override {
+        return didTerminate_.observe(std::move(notice));
+    }
     std::vector<std::string> openedURLs;
     bool openURL(const std::string& url) override {
         openedURLs.push_back(url);
         return true;
     }
-    [[nodiscard]] bool isSystemVersion27OrLater() const override { return version27; }
+    bool isSystemVersion27OrLater() const override { return version27; }
 
-  private:
     using Notices = Notice<std::optional<platform::RunningApplication>>;
     SimWorld& world_;
     SimMainQueue& mainQueue_;
@@ -118,21 +122,19 @@ class SimWorkspace final : public platform::Workspace {
     Notices didTerminate_;
 };
 
-class SimScreens final : public platform::Screens {
-  public:
+struct SimScreens final : platform::Screens {
     std::vector<platform::Screen> all{
         {.frame = {0, 0, 1920, 1080}, .visibleFrame = {}, .backingScaleFactor = 1}};
 
-    [[nodiscard]] std::vector<platform::Screen> screens() override { return all; }
-    [[nodiscard]] std::optional<platform::Screen> mainScreen() override {
+    std::vector<platform::Screen> screens() override { return all; }
+    std::optional<platform::Screen> mainScreen() override {
         return all.empty() ? std::nullopt : std::optional(all.front());
     }
-    [[nodiscard]] platform::Subscription observeDidChangeParameters(std::function<void()> notice) override {
+    platform::Subscription observeDidChangeParameters(std::function<void()> notice) override {
         return didChange_.observe(std::move(notice));
     }
     void postDidChangeParameters() { didChange_.post(); }
 
-  private:
     Notice<> didChange_;
 };
 

@@ -11,14 +11,9 @@ using platform::ProcessID;
 using platform::Rect;
 using platform::WindowID;
 
-SimulatedDesktop::SimulatedDesktop()
-    : log(defaults, logQueues_, [this] { return directory_.filePath(QStringLiteral("log")).toStdString(); }) {
+SimulatedDesktop::SimulatedDesktop() {
     defaults.setBool(PreferenceKeys::debugLogging, true);
-    launchApplication(SimWorld::ownPID, "Skylet");
-}
-
-void SimulatedDesktop::launchApplication(ProcessID pid, std::optional<std::string> name) {
-    world.applications[pid] = {.name = std::move(name)};
+    world.applications = {{SimWorld::ownPID, {"Skylet"}}, {editor, {"Editor"}}, {browser, {"Browser"}}};
 }
 
 WindowID SimulatedDesktop::openWindow(ProcessID pid, const std::string& title, Rect bounds) {
@@ -28,7 +23,7 @@ WindowID SimulatedDesktop::openWindow(ProcessID pid, const std::string& title, R
     window.entry.ownerPID = pid;
     window.entry.layer = 0;
     window.entry.name = title;
-    window.axTitle = title;
+    window.ax->title = title;
     world.windows.push_front(window);
     moveWindow(windowID, bounds);
     world.applications[pid].focusedWindow = windowID;
@@ -36,8 +31,7 @@ WindowID SimulatedDesktop::openWindow(ProcessID pid, const std::string& title, R
 }
 
 void SimulatedDesktop::closeWindow(WindowID windowID) {
-    world.windows.remove_if(
-        [&](const SimWindow& window) { return window.entry.number == std::int64_t{windowID}; });
+    world.windows.remove_if([&](const SimWindow& window) { return window.id() == windowID; });
 }
 
 void SimulatedDesktop::activate(ProcessID pid) {
@@ -45,7 +39,7 @@ void SimulatedDesktop::activate(ProcessID pid) {
     world.windows.sort([pid](const SimWindow& a, const SimWindow& b) {
         return a.entry.ownerPID == std::int64_t{pid} && b.entry.ownerPID != std::int64_t{pid};
     });
-    workspace.postDidActivate(workspace.runningApplication(pid));
+    workspace.postDidActivate(world.running(pid));
 }
 
 void SimulatedDesktop::focus(WindowID windowID) {
@@ -53,7 +47,7 @@ void SimulatedDesktop::focus(WindowID windowID) {
 }
 
 void SimulatedDesktop::quitApplication(ProcessID pid) {
-    workspace.postDidTerminate(workspace.runningApplication(pid));
+    workspace.postDidTerminate(world.running(pid));
     world.windows.remove_if(
         [&](const SimWindow& window) { return window.entry.ownerPID == std::int64_t{pid}; });
     world.applications.erase(pid);
@@ -65,20 +59,18 @@ void SimulatedDesktop::quitApplication(ProcessID pid) {
 void SimulatedDesktop::moveWindow(WindowID windowID, Rect bounds) {
     SimWindow& window = *world.find(windowID);
     window.entry.bounds = {bounds.x, bounds.y, bounds.width, bounds.height};
-    window.axPosition = bounds.origin();
-    window.axSize = bounds.size();
+    window.ax->position = bounds.origin();
+    window.ax->size = bounds.size();
 }
 
-std::vector<std::string> SimulatedDesktop::takeLog() {
-    logQueues_.drain();
-    const std::string path = directory_.filePath(QStringLiteral("log")).toStdString();
+Lines SimulatedDesktop::takeLog() {
     constexpr std::size_t timestampLength = 25;
-    std::vector<std::string> lines;
-    std::ifstream file(path);
+    Lines lines;
+    std::ifstream file(logPath());
     for (std::string line; std::getline(file, line);) {
         lines.push_back(line.substr(std::min(timestampLength, line.size())));
     }
-    std::filesystem::remove(path);
+    std::filesystem::remove(logPath());
     return lines;
 }
 

@@ -20,7 +20,14 @@
 #include <string>
 #include <vector>
 
-namespace skylet::sim {
+namespace skylet {
+
+using Lines = std::vector<std::string>;
+
+constexpr platform::ProcessID editor = 500;
+constexpr platform::ProcessID browser = 600;
+
+namespace sim {
 
 class SimulatedDesktop {
   public:
@@ -30,8 +37,7 @@ class SimulatedDesktop {
     // Work that is still queued may hold what the rest of the desktop keeps track of.
     ~SimulatedDesktop() { mainQueue.dropAll(); }
 
-    // Script. Bounds are window-server coordinates.
-    void launchApplication(platform::ProcessID pid, std::optional<std::string> name);
+    // Script: an editor and a browser run from the start. Bounds are window-server coordinates.
     // A normal window in front of all others, focused within its application.
     platform::WindowID openWindow(platform::ProcessID pid, const std::string& title, platform::Rect bounds);
     void closeWindow(platform::WindowID windowID);
@@ -44,12 +50,13 @@ class SimulatedDesktop {
     void advance(double seconds) { mainQueue.advance(seconds); }
 
     // The messages logged since the last call, without their timestamps.
-    [[nodiscard]] std::vector<std::string> takeLog();
+    [[nodiscard]] Lines takeLog();
     [[nodiscard]] ForeignWindow foreign(platform::WindowID windowID);
 
   private:
+    [[nodiscard]] std::string logPath() { return directory_.filePath(QStringLiteral("log")).toStdString(); }
+
     SimSerialQueueFactory logQueues_;
-    SimSerialQueueFactory scrollQueues_{&mainQueue};
     QTemporaryDir directory_;
 
   public:
@@ -66,10 +73,18 @@ class SimulatedDesktop {
     SimEventPoster eventPoster;
     SimMainMenu application;
     SimStatusBar statusBar;
-    DiagnosticsLog log;
+    DiagnosticsLog log{defaults, logQueues_, [this] {
+                           return logPath();
+                       }};
     OverlayEnvironment environment{windowServer, accessibility, capture,   panels, workspace,
                                    screens,      defaults,      mainQueue, log};
-    AXScroller scroller{{accessibility, windowServer, workspace, defaults, mainQueue, scrollQueues_, log}};
+    SimSerialQueueFactory scrollQueues{&mainQueue};
+    double wallClock = 1000; // as the scroller reads it
+    AXScroller scroller{{accessibility, windowServer, workspace, defaults, mainQueue, scrollQueues, log},
+                        [this] {
+                            return wallClock;
+                        }};
 };
 
-} // namespace skylet::sim
+} // namespace sim
+} // namespace skylet

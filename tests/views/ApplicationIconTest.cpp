@@ -18,11 +18,9 @@ TEST(ApplicationIconTest, IsDrawnAsInstalled) {
     for (const int size : {48, 64, 128, 256}) {
         SCOPED_TRACE(size);
         const QString file = QStringLiteral(SKYLET_ICONS "/com.corvane.skylet-%1.png").arg(size);
-        const QImage installed = QImage(file).convertToFormat(QImage::Format_ARGB32_Premultiplied);
-        const QImage drawn = applicationIcon()
-                                 .pixmap(size, size)
-                                 .toImage()
-                                 .convertToFormat(QImage::Format_ARGB32_Premultiplied);
+        constexpr auto format = QImage::Format_ARGB32_Premultiplied;
+        const QImage installed = QImage(file).convertToFormat(format);
+        const QImage drawn = applicationIcon().pixmap(size, size).toImage().convertToFormat(format);
         ASSERT_EQ(installed.size(), QSize(size, size));
         ASSERT_EQ(drawn.size(), installed.size());
         int different = 0;

@@ -6,8 +6,6 @@
 namespace skylet::test {
 namespace {
 
-using Texts = std::vector<std::string>;
-
 constexpr const char* rateTitle = "Frequenza massima di aggiornamento";
 constexpr const char* forwardTitle = "Interagisci con la finestra flottante";
 constexpr const char* spacesTitle = "Mostra su tutte le Scrivanie";
@@ -16,72 +14,45 @@ constexpr const char* pillTitle = "Mostra lo sfondo dell’icona";
 constexpr const char* loginTitle = "Apri all’accesso";
 constexpr const char* hint = "Per ripristinare l’icona, riapri Skylet dalla cartella Applicazioni.";
 
-class SettingsContentTest : public SettingsScene {
-  protected:
-    [[nodiscard]] bool shows(QWidget& window, const std::string& text) {
-        return std::ranges::count(textsOf(window), text) > 0;
-    }
-};
-
-constexpr const char* rateCaption = "La finestra flottante si aggiorna quando cambia il contenuto; una "
-                                    "frequenza alta non pesa se l’immagine è ferma.";
-constexpr const char* forwardCaption =
-    "I clic e lo scorrimento vengono inviati alla finestra fissata. Fai clic tenendo premuto ⌘ per passare "
-    "alla finestra originale. Se disattivata, basta un clic per tornare alla finestra originale.";
-constexpr const char* accessibilityCaption =
-    "Necessaria per usare la scorciatoia da tastiera e portare in primo piano le finestre fissate.";
-constexpr const char* postingCaption =
-    "Necessaria per usare clic e scorrimento sulla finestra flottante senza attivare la finestra originale.";
+using SettingsContentTest = SettingsScene;
 
 TEST_F(SettingsContentTest, SaysEverythingInOrder) {
     desktop.eventPoster.permitted = false;
-    EXPECT_EQ(textsOf(open()),
-              (Texts{"Finestre flottanti",
-                     rateTitle,
-                     "30 fps",
-                     rateCaption,
-                     forwardTitle,
-                     forwardCaption,
-                     spacesTitle,
-                     "Scorciatoia da tastiera",
-                     "Fissa o sblocca la finestra",
-                     "⌃⌘P",
-                     "Rimuovi",
-                     "Modifica…",
-                     "Autorizzazioni",
-                     "Accessibilità",
-                     "Autorizzata",
-                     accessibilityCaption,
-                     "Invio di clic e scorrimento",
-                     "Consenti accesso",
-                     postingCaption,
-                     "Registrazione schermo",
-                     "Autorizzata",
-                     "Necessaria per acquisire il contenuto della finestra e mostrarlo in tempo reale.",
-                     "Barra dei menu",
-                     iconTitle,
-                     "Icona della barra dei menu",
-                     pillTitle,
-                     "Generali",
-                     loginTitle,
-                     "Informazioni",
-                     "Versione",
-                     "1.2.3",
-                     "Fine"}));
+    std::string all;
+    for (const std::string& text : textsOf(open())) {
+        all += text + "|";
+    }
+    EXPECT_EQ(
+        all,
+        "Finestre flottanti|Frequenza massima di aggiornamento|30 fps|"
+        "La finestra flottante si aggiorna quando cambia il contenuto; una frequenza alta non pesa se "
+        "l’immagine è ferma.|Interagisci con la finestra flottante|"
+        "I clic e lo scorrimento vengono inviati alla finestra fissata. Fai clic tenendo premuto ⌘ per "
+        "passare alla finestra originale. Se disattivata, basta un clic per tornare alla finestra originale.|"
+        "Mostra su tutte le Scrivanie|"
+        "Scorciatoia da tastiera|Fissa o sblocca la finestra|⌃⌘P|Rimuovi|Modifica…|"
+        "Autorizzazioni|Accessibilità|Autorizzata|"
+        "Necessaria per usare la scorciatoia da tastiera e portare in primo piano le finestre fissate.|"
+        "Invio di clic e scorrimento|Consenti accesso|"
+        "Necessaria per usare clic e scorrimento sulla finestra flottante senza attivare la finestra "
+        "originale.|Registrazione schermo|Autorizzata|"
+        "Necessaria per acquisire il contenuto della finestra e mostrarlo in tempo reale.|"
+        "Barra dei menu|Mostra l’icona nella barra dei menu|Icona della barra dei menu|"
+        "Mostra lo sfondo dell’icona|Generali|Apri all’accesso|Informazioni|Versione|1.2.3|Fine|");
 }
 
 TEST_F(SettingsContentTest, TogglesWriteAtOnceAndFollowTheStore) {
-    struct Case {
+    QWidget& window = open();
+    struct {
         const char* title;
         std::string_view key;
         bool whenAbsent;
         bool inverted = false;
-    };
-    QWidget& window = open();
-    for (const Case& test : {Case{forwardTitle, PreferenceKeys::forwardEvents, true},
-                             Case{spacesTitle, PreferenceKeys::pinToAllSpaces, false},
-                             Case{pillTitle, PreferenceKeys::menuBarPillEnabled, false},
-                             Case{iconTitle, "hidden", true, true}}) {
+    } const cases[] = {{forwardTitle, PreferenceKeys::forwardEvents, true},
+                       {spacesTitle, PreferenceKeys::pinToAllSpaces, false},
+                       {pillTitle, PreferenceKeys::menuBarPillEnabled, false},
+                       {iconTitle, "hidden", true, true}};
+    for (const auto& test : cases) {
         SCOPED_TRACE(test.title);
         auto* toggle = named<QAbstractButton>(window, test.title);
         ASSERT_NE(toggle, nullptr);
@@ -113,55 +84,52 @@ TEST_F(SettingsContentTest, TheRateIsPickedAndFollowed) {
 }
 
 TEST_F(SettingsContentTest, PermissionsAreAskedForAndFollowed) {
-    desktop.accessibility.trusted = false;
-    desktop.eventPoster.permitted = false;
-    desktop.capture.permitted = false;
     QWidget& window = open();
-    const auto allow = [&](const char* title) {
-        auto* button = named<QPushButton>(window, (std::string("Consenti accesso — ") + title).c_str());
-        ASSERT_NE(button, nullptr) << title;
-        ASSERT_TRUE(button->isVisible()) << title;
-        button->click();
+    auto& opened = desktop.workspace.openedURLs;
+    const std::tuple<const char*, bool*, std::array<std::size_t, 3>> cases[] = {
+        {"Accessibilità", &desktop.accessibility.trusted, {1, 0, 0}},
+        {"Invio di clic e scorrimento", &desktop.eventPoster.permitted, {1, 1, 0}},
+        {"Registrazione schermo", &desktop.capture.permitted, {1, 1, 1}},
     };
-    allow("Accessibilità");
-    EXPECT_EQ(allowed, 1);
-    allow("Invio di clic e scorrimento");
-    EXPECT_EQ(desktop.eventPoster.requests, 1);
-    allow("Registrazione schermo");
-    EXPECT_EQ(desktop.workspace.openedURLs,
-              (Texts{"x-apple.systempreferences:com.apple.preference.security?Privacy_ScreenCapture"}));
-    desktop.accessibility.trusted = true;
-    desktop.eventPoster.permitted = true;
-    desktop.capture.permitted = true;
-    desktop.advance(1);
-    EXPECT_EQ(buttonWith(window, "Consenti accesso"), nullptr);
-    const Texts texts = textsOf(window);
+    for (const auto& [title, permission, asked] : cases) {
+        SCOPED_TRACE(title);
+        EXPECT_EQ(buttonWith(window, "Consenti accesso"), nullptr);
+        *permission = false;
+        notifications.becomeActive();
+        auto* button = buttonWith(window, "Consenti accesso");
+        ASSERT_NE(button, nullptr);
+        EXPECT_EQ(button->accessibleName().toStdString(), std::string("Consenti accesso — ") + title);
+        button->click();
+        EXPECT_EQ((std::array{allowed, desktop.eventPoster.requests, opened.size()}), asked);
+        *permission = true;
+        desktop.advance(1);
+    }
+    EXPECT_EQ(opened, Lines{"x-apple.systempreferences:com.apple.preference.security?Privacy_ScreenCapture"});
+    const Lines texts = textsOf(window);
     EXPECT_EQ(std::ranges::count(texts, "Autorizzata"), 2);
     EXPECT_EQ(std::ranges::count(texts, "Autorizzato"), 1);
-    desktop.capture.permitted = false;
-    notifications.becomeActive();
-    EXPECT_NE(buttonWith(window, "Consenti accesso"), nullptr);
 }
 
 TEST_F(SettingsContentTest, AHiddenIconComesWithTheHint) {
     QWidget& window = open();
     auto* toggle = named<QAbstractButton>(window, iconTitle);
-    EXPECT_FALSE(shows(window, hint));
+    EXPECT_FALSE(shows(hint));
     const int height = window.height();
     toggle->click();
     settle();
-    EXPECT_TRUE(shows(window, hint));
+    EXPECT_TRUE(shows(hint));
     desktop.advance(0);
     EXPECT_GT(window.height(), height) << "there is room for the hint on this screen";
     desktop.defaults.setBool("hidden", false); // opened again from outside
-    EXPECT_FALSE(shows(window, hint));
+    EXPECT_FALSE(shows(hint));
     EXPECT_TRUE(toggle->isChecked());
 }
 
 TEST_F(SettingsContentTest, WithoutANameTheHintSpeaksOfTheApp) {
     bundle.name.reset();
     desktop.defaults.setBool("hidden", true);
-    EXPECT_TRUE(shows(open(), "Per ripristinare l’icona, riapri l’app dalla cartella Applicazioni."));
+    open();
+    EXPECT_TRUE(shows("Per ripristinare l’icona, riapri l’app dalla cartella Applicazioni."));
 }
 
 TEST_F(SettingsContentTest, LaunchAtLoginRevertsWhenItFails) {
@@ -211,7 +179,7 @@ TEST_F(SettingsContentTest, TabGoesThroughEveryControlFromTopToBottom) {
     desktop.eventPoster.permitted = false;
     QWidget& window = open();
     EXPECT_EQ(window.focusWidget(), nullptr) << "nothing looks chosen at first";
-    Texts names;
+    Lines names;
     for (int i = 0; i < 9; ++i) {
         type(window, Qt::Key_Tab);
         ASSERT_NE(window.focusWidget(), nullptr);
@@ -219,7 +187,7 @@ TEST_F(SettingsContentTest, TabGoesThroughEveryControlFromTopToBottom) {
         names.push_back((name.isEmpty() ? wordsOf(*window.focusWidget()) : name).toStdString());
     }
     EXPECT_EQ(names,
-              (Texts{rateTitle, forwardTitle, spacesTitle, "Rimuovi — Fissa o sblocca la finestra",
+              (Lines{rateTitle, forwardTitle, spacesTitle, "Rimuovi — Fissa o sblocca la finestra",
                      "Modifica… — Fissa o sblocca la finestra",
                      "Consenti accesso — Invio di clic e scorrimento", iconTitle, pillTitle, loginTitle}));
     type(window, Qt::Key_Space);

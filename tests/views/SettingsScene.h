@@ -24,16 +24,14 @@ class SettingsScene : public testing::Test {
         static_cast<void>(
             desktop.eventTap.create([](platform::TapEventType, const platform::KeyEvent&) { return true; }));
         desktop.eventTap.setEnabled(true);
-        bundle = {.name = "Skylet", .shortVersion = "1.2.3"};
     }
 
     // Opens the window, or opens it again.
     QWidget& open() {
-        settings.showWindow({.appName = QStringLiteral("Skylet"), .showsLaunchAtLogin = showsLaunchAtLogin},
-                            [this] {
-                                ++contents;
-                                return new SkyletSettingsContent(subjects());
-                            });
+        settings.showWindow({.appName = QStringLiteral("Skylet"), .showsLaunchAtLogin = true}, [this] {
+            ++contents;
+            return new SkyletSettingsContent(subjects());
+        });
         settings.widget()->activateWindow();
         settle();
         desktop.advance(0.3);
@@ -41,6 +39,10 @@ class SettingsScene : public testing::Test {
         return *settings.widget();
     }
 
+    [[nodiscard]] bool shows(const char* text) {
+        return std::ranges::count(textsOf(*settings.widget()), text) > 0;
+    }
+    [[nodiscard]] bool isHidden() const { return desktop.defaults.readBool("hidden").value; }
     [[nodiscard]] SettingsSubjects subjects() {
         return {
             .tracker = tracker,
@@ -54,31 +56,18 @@ class SettingsScene : public testing::Test {
             .keyDownMonitor = monitor,
             .allowAccessibility = [this] { ++allowed; },
             .shortcut = {.label = "Fissa o sblocca la finestra",
-                         .keyCode = {.get = [this] { return keyCode; },
-                                     .set =
-                                         [this](std::uint16_t code) {
-                                             keyCode = code;
-                                         }},
-                         .modifiers = {.get = [this] { return modifiers; },
-                                       .set =
-                                           [this](std::uint64_t flags) {
-                                               modifiers = flags;
-                                           }},
+                         .keyCode = sim::bound(keyCode),
+                         .modifiers = sim::bound(modifiers),
                          .displayString = [this] { return keyCode == 0 ? "Non impostata" : "⌃⌘P"; },
                          .onChanged = [this] { ++saves; },
-                         .onClear =
-                             [this] {
-                                 keyCode = 0;
-                                 modifiers = 0;
-                             },
+                         .onClear = [this] { keyCode = 0, modifiers = 0; },
                          .eventTapToDisable = &desktop.eventTap,
                          .onRecordingChanged = {},
                          .refusal =
                              [this] {
                                  return desktop.eventTap.refusal();
                              }},
-            .statusItem = {.isVisible =
-                               [this] { return !desktop.defaults.readBool("hidden").valueOr(false); },
+            .statusItem = {.isVisible = [this] { return !isHidden(); },
                            .setVisible =
                                [this](bool on) {
                                    desktop.defaults.setBool("hidden", !on);
@@ -102,13 +91,11 @@ class SettingsScene : public testing::Test {
     std::uint16_t keyCode = 35;
     std::uint64_t modifiers = control | command;
     int saves = 0;
-    int allowed = 0;
+    std::size_t allowed = 0;
     int iconUpdates = 0;
     int contents = 0;
-    bool showsLaunchAtLogin = true;
-    BundleInfo bundle;
-    SettingsWindow settings{{desktop.mainQueue, desktop.screens, ownWindows, loginItem},
-                            {.name = "Skylet", .shortVersion = "1.2.3"}};
+    BundleInfo bundle{.name = "Skylet", .shortVersion = "1.2.3"};
+    SettingsWindow settings{{desktop.mainQueue, desktop.screens, ownWindows, loginItem}, bundle};
 };
 
 } // namespace skylet::test

@@ -9,7 +9,7 @@
 namespace skylet::test {
 namespace {
 
-class SettingsWindowTest : public SettingsScene {};
+using SettingsWindowTest = SettingsScene;
 
 TEST_F(SettingsWindowTest, IsBuiltOnceAndOnlyWhenOpened) {
     EXPECT_EQ(settings.widget(), nullptr);
@@ -59,8 +59,7 @@ TEST_F(SettingsWindowTest, ShowsADashWithoutAVersion) {
     SettingsWindow without({desktop.mainQueue, desktop.screens, ownWindows, loginItem}, {});
     without.showWindow({.appName = QStringLiteral("Skylet"), .showsLaunchAtLogin = false},
                        [] { return new QWidget; });
-    EXPECT_EQ(textsOf(*without.widget()),
-              (std::vector<std::string>{"Informazioni", "Versione", "—", "Fine"}));
+    EXPECT_EQ(textsOf(*without.widget()), (Lines{"Informazioni", "Versione", "—", "Fine"}));
 }
 
 // Neither a caption nor a button may be cut, whatever the font.
@@ -123,23 +122,22 @@ TEST_F(SettingsWindowTest, FollowsAnotherFontAndAnotherPalette) {
 }
 
 TEST(FormStyle, EveryToneIsReadableOnEveryGround) {
-    struct Case {
-        const char* description;
-        QColor window, text;
-    };
-    for (const Case& test :
-         {Case{"light", QColor(239, 239, 239), Qt::black}, Case{"white", Qt::white, QColor(30, 30, 30)},
-          Case{"beige", QColor(239, 235, 231), Qt::black},
-          Case{"dark", QColor(42, 46, 50), QColor(252, 252, 252)}, Case{"black", Qt::black, Qt::white},
-          Case{"dim dark", QColor(56, 56, 56), QColor(222, 222, 222)}}) {
+    const std::tuple<const char*, QColor, QColor> cases[] = {
+        {"light", QColor(239, 239, 239), Qt::black},
+        {"white", Qt::white, QColor(30, 30, 30)},
+        {"beige", QColor(239, 235, 231), Qt::black},
+        {"dark", QColor(42, 46, 50), QColor(252, 252, 252)},
+        {"black", Qt::black, Qt::white},
+        {"dim dark", QColor(56, 56, 56), QColor(222, 222, 222)}};
+    for (const auto& [description, window, text] : cases) {
         QPalette palette;
-        palette.setColor(QPalette::Window, test.window);
-        palette.setColor(QPalette::WindowText, test.text);
-        for (const QColor& ground : {FormStyle::boxColor(palette), test.window}) {
+        palette.setColor(QPalette::Window, window);
+        palette.setColor(QPalette::WindowText, text);
+        for (const QColor& ground : {FormStyle::boxColor(palette), window}) {
             for (const auto tone :
                  {FormStyle::Tone::secondary, FormStyle::Tone::positive, FormStyle::Tone::notice}) {
                 EXPECT_GE(FormStyle::contrast(FormStyle::textColor(palette, tone, ground), ground), 4.5)
-                    << test.description << " " << static_cast<int>(tone);
+                    << description << " " << static_cast<int>(tone);
             }
         }
     }
@@ -153,20 +151,21 @@ TEST(AboutWindow, SaysWhatTheProgramIsAndClosesByEscape) {
     ClosingWindow* window = about.widget();
     settle();
     EXPECT_EQ(window->windowTitle(), QStringLiteral("Informazioni su Skylet"));
-    EXPECT_EQ(textsOf(*window), (std::vector<std::string>{
-                                    "Skylet", "Versione 2.0", "Realizzato per Corvane",
-                                    "Una finestra flottante ridimensionabile per le tue app.", "Chiudi"}));
+    EXPECT_EQ(textsOf(*window), (Lines{"Skylet", "Versione 2.0", "Realizzato per Corvane",
+                                       "Una finestra flottante ridimensionabile per le tue app.", "Chiudi"}));
     EXPECT_EQ(window->width(), 300);
-    type(*window, Qt::Key_Escape);
-    EXPECT_FALSE(window->isVisible());
-    about.showWindow(QStringLiteral("Skylet"));
-    EXPECT_EQ(about.widget(), window);
-    type(*window, Qt::Key_Period, Qt::MetaModifier);
-    EXPECT_FALSE(window->isVisible());
-    about.showWindow(QStringLiteral("Skylet"));
-    buttonWith(*window, "Chiudi")->click();
-    EXPECT_FALSE(window->isVisible());
-    EXPECT_EQ(ownWindows.brought.size(), 3U);
+    const std::function<void()> closings[] = {[&] { type(*window, Qt::Key_Escape); },
+                                              [&] { type(*window, Qt::Key_Period, Qt::MetaModifier); },
+                                              [&] {
+                                                  buttonWith(*window, "Chiudi")->click();
+                                              }};
+    for (const auto& close : closings) {
+        about.showWindow(QStringLiteral("Skylet"));
+        EXPECT_EQ(about.widget(), window);
+        close();
+        EXPECT_FALSE(window->isVisible());
+    }
+    EXPECT_EQ(ownWindows.brought.size(), 4U);
 
     AboutWindow unknown(ownWindows, {});
     unknown.showWindow(QStringLiteral("Skylet"));
