@@ -34,18 +34,13 @@ class DesktopQueriesTest : public ServerTest {
         other_.setItems(other_.root(), "_NET_ACTIVE_WINDOW", XCB_ATOM_WINDOW, active);
     }
     [[nodiscard]] xcb_window_t active() { return readActiveWindow(connection()).window; }
-    [[nodiscard]] xcb_window_t mapped(xcb_rectangle_t place) {
-        const xcb_window_t window = other_.createWindow(place);
-        other_.map(window);
-        return window;
-    }
 
     xcb_window_t check_ = XCB_WINDOW_NONE;
 };
 
 TEST_F(DesktopQueriesTest, KnowsTheProcessOfEachWindow) {
-    const Puppet one({});
-    const Puppet two({});
+    const Puppet one;
+    const Puppet two;
     const xcb_window_t own = other_.createWindow({0, 0, 10, 10});
     const xcb_window_t sub = other_.createWindow({0, 0, 5, 5}, own);
     other_.setItems(own, "_NET_WM_PID", XCB_ATOM_CARDINAL, {1});
@@ -80,10 +75,9 @@ TEST_F(DesktopQueriesTest, TakesTheClaimWhereTheServerDoesNotKnow) {
 
 TEST_F(DesktopQueriesTest, WithoutAManagerTheFocusTells) {
     EXPECT_EQ(active(), xcb_window_t{XCB_WINDOW_NONE});
-    const xcb_window_t low = mapped({0, 0, 100, 100});
-    const xcb_window_t high = mapped({50, 50, 100, 100});
-    const xcb_window_t menu = other_.createWindow({0, 0, 800, 600}, XCB_WINDOW_NONE, true);
-    other_.map(menu);
+    const xcb_window_t low = other_.show({0, 0, 100, 100});
+    const xcb_window_t high = other_.show({50, 50, 100, 100});
+    const xcb_window_t menu = other_.show({0, 0, 800, 600}, true);
     EXPECT_EQ(active(), high) << "the top-most that is no menu";
     EXPECT_EQ(readClientWindows(connection()).windows, (std::vector<xcb_window_t>{high, low}));
 
@@ -103,19 +97,22 @@ TEST_F(DesktopQueriesTest, WithoutAManagerTheFocusTells) {
 }
 
 TEST_F(DesktopQueriesTest, WithAManagerItsWordIsChecked) {
-    const xcb_window_t one = mapped({0, 0, 100, 100});
-    const xcb_window_t two = mapped({50, 50, 100, 100});
-    manage({one, two}, {one});
-    EXPECT_EQ(active(), one);
-    EXPECT_EQ(readClientWindows(connection()).windows, (std::vector<xcb_window_t>{two, one}));
-    manage({one, two}, {two, 0});
-    EXPECT_EQ(active(), two) << "two items";
-    manage({one}, {two});
-    EXPECT_EQ(active(), xcb_window_t{XCB_WINDOW_NONE}) << "not in the list";
-    manage({one}, {0});
-    EXPECT_EQ(active(), xcb_window_t{XCB_WINDOW_NONE});
-    manage({one}, {});
-    EXPECT_EQ(active(), xcb_window_t{XCB_WINDOW_NONE});
+    const xcb_window_t one = other_.show({0, 0, 100, 100});
+    const xcb_window_t two = other_.show({50, 50, 100, 100});
+    struct {
+        std::vector<xcb_window_t> stacking;
+        std::vector<std::uint32_t> told;
+        xcb_window_t active;
+    } const cases[] = {
+        {{one, two}, {one}, one},        {{one, two}, {two, 0}, two},
+        {{one}, {two}, XCB_WINDOW_NONE}, // not in the list
+        {{one}, {0}, XCB_WINDOW_NONE},   {{one}, {}, XCB_WINDOW_NONE},
+    };
+    for (const auto& test : cases) {
+        manage(test.stacking, test.told);
+        EXPECT_EQ(active(), test.active);
+        EXPECT_EQ(readClientWindows(connection()).windows.front(), test.stacking.back());
+    }
     manage({one}, {one});
     other_.setText(other_.root(), other_.atom("_NET_ACTIVE_WINDOW"), XCB_ATOM_WINDOW, "x");
     EXPECT_EQ(active(), xcb_window_t{XCB_WINDOW_NONE});
@@ -159,8 +156,8 @@ class WorkspaceTest : public DesktopQueriesTest {
 };
 
 TEST_F(WorkspaceTest, TellsOfEveryOtherApplicationThatComesToTheFront) {
-    const Puppet one({.windowClass = "One"});
-    const Puppet two({.windowClass = "Two"});
+    const Puppet one("One");
+    const Puppet two("Two");
     std::vector<ProcessID> told;
     const auto subscription =
         workspace_.observeDidActivateApplication([&](const std::optional<RunningApplication>& application) {
@@ -193,7 +190,7 @@ TEST_F(WorkspaceTest, TellsOfEveryOtherApplicationThatComesToTheFront) {
 }
 
 TEST_F(WorkspaceTest, TellsOnceWhenAnApplicationEnds) {
-    Puppet puppet({.windowClass = "Ends"});
+    Puppet puppet("Ends");
     std::vector<RunningApplication> told;
     const auto subscription =
         workspace_.observeDidTerminateApplication([&](const std::optional<RunningApplication>& application) {
@@ -213,9 +210,9 @@ TEST_F(WorkspaceTest, TellsOnceWhenAnApplicationEnds) {
 }
 
 TEST_F(WorkspaceTest, ActivatesTheWindowThatWasRaised) {
-    const Puppet puppet({});
-    const xcb_window_t first = mapped({0, 0, 100, 100});
-    const xcb_window_t second = mapped({0, 0, 100, 100});
+    const Puppet puppet;
+    const xcb_window_t first = other_.show({0, 0, 100, 100});
+    const xcb_window_t second = other_.show({0, 0, 100, 100});
     raised_.record(getpid(), first);
     EXPECT_TRUE(workspace_.activate(getpid()));
     dispatch();
@@ -234,7 +231,7 @@ TEST_F(WorkspaceTest, ActivatesTheWindowThatWasRaised) {
 }
 
 TEST_F(WorkspaceTest, AsksTheManagerAsTheUserWould) {
-    const xcb_window_t window = mapped({0, 0, 100, 100});
+    const xcb_window_t window = other_.show({0, 0, 100, 100});
     manage({window}, {0});
     other_.setItems(other_.root(), "_NET_CURRENT_DESKTOP", XCB_ATOM_CARDINAL, {0});
     other_.setItems(window, "_NET_WM_DESKTOP", XCB_ATOM_CARDINAL, {2});
@@ -243,12 +240,7 @@ TEST_F(WorkspaceTest, AsksTheManagerAsTheUserWould) {
     other_.sync();
     EXPECT_TRUE(workspace_.activate(getpid()));
     dispatch();
-    std::vector<xcb_client_message_event_t> messages;
-    while (const auto event = other_.pollEvent()) {
-        if ((event->response_type & 0x7F) == XCB_CLIENT_MESSAGE) {
-            messages.push_back(reinterpret_cast<const xcb_client_message_event_t&>(*event)); // NOLINT
-        }
-    }
+    const auto messages = other_.events<xcb_client_message_event_t>(XCB_CLIENT_MESSAGE);
     ASSERT_EQ(messages.size(), 2U);
     EXPECT_EQ(messages[0].type, other_.atom("_NET_CURRENT_DESKTOP"));
     EXPECT_EQ(messages[0].data.data32[0], 2U);
@@ -262,9 +254,9 @@ TEST_F(WorkspaceTest, WindowsAreAccessibilityElements) {
     platform::qt::AccessibilityTrust trust{QDBusConnection(QStringLiteral("none"))};
     platform::x11::X11Accessibility accessibility(connection(), mainQueue_, trust, raised_);
     EXPECT_FALSE(accessibility.isProcessTrustedWithPrompt());
-    const Puppet puppet({.x = 40, .y = 30, .width = 200, .height = 150});
-    const xcb_window_t back = mapped({0, 0, 100, 100});
-    const xcb_window_t front = mapped({10, 20, 100, 100});
+    const Puppet puppet;
+    const xcb_window_t back = other_.show({0, 0, 100, 100});
+    const xcb_window_t front = other_.show({10, 20, 100, 100});
     other_.setText(front, connection().atoms().NET_WM_NAME, connection().atoms().UTF8_STRING,
                    "Titolo \xC3\xA8");
     other_.setItems(front, "_GTK_FRAME_EXTENTS", XCB_ATOM_CARDINAL, {10, 10, 5, 15});
@@ -306,7 +298,7 @@ TEST_F(WorkspaceTest, WindowsAreAccessibilityElements) {
 TEST_F(WorkspaceTest, ReadsOnOtherThreadsHoldNoEventsBack) {
     platform::qt::AccessibilityTrust trust{QDBusConnection(QStringLiteral("none"))};
     platform::x11::X11Accessibility accessibility(connection(), mainQueue_, trust, raised_);
-    const xcb_window_t window = mapped({0, 0, 100, 100});
+    const xcb_window_t window = other_.show({0, 0, 100, 100});
     int changes = 0;
     const auto subscription = connection().subscribe(window, XCB_EVENT_MASK_PROPERTY_CHANGE,
                                                      [&](const xcb_generic_event_t&) { ++changes; });

@@ -51,14 +51,11 @@ TEST_F(PropertyTest, TakesTextsAsTheyAre) {
     EXPECT_EQ(readText(utf8, std::string("one\0two", 7)), "one");
     EXPECT_EQ(readText(utf8, "a\xFFz"), "a\xEF\xBF\xBDz");
     EXPECT_EQ(readText(XCB_ATOM_CARDINAL, "text"), std::nullopt);
-    const auto huge = readText(
-        utf8, std::string(1, 'a') + [] {
-            std::string many;
-            for (int i = 0; i < 350000; ++i) {
-                many += "\xE2\x82\xAC"; // three bytes each
-            }
-            return many;
-        }());
+    std::string many = "a";
+    for (int i = 0; i < 350000; ++i) {
+        many += "\xE2\x82\xAC"; // three bytes each
+    }
+    const auto huge = readText(utf8, many);
     ASSERT_TRUE(huge);
     EXPECT_LE(huge->size(), platform::x11::maximumTextBytes);
     EXPECT_GT(huge->size(), platform::x11::maximumTextBytes - 4);
@@ -114,7 +111,6 @@ TEST_F(PropertyTest, IgnoresShadowsThatCannotBe) {
     for (const auto& one : cases) {
         other_.setItems(window_, "_GTK_FRAME_EXTENTS", XCB_ATOM_CARDINAL, one.extents);
         const auto geometry = PendingClientGeometry(connection(), window_).read();
-        ASSERT_TRUE(geometry);
         EXPECT_EQ(geometry->client, whole);
         EXPECT_EQ(geometry->bounds, one.bounds) << one.extents.size() << " " << one.extents[0];
     }
@@ -125,9 +121,7 @@ TEST_F(PropertyTest, IgnoresShadowsThatCannotBe) {
 TEST_F(PropertyTest, FindsClientsInsideFrames) {
     const xcb_window_t frame = other_.createWindow({-30, 40, 300, 200});
     const xcb_window_t client = other_.createWindow({5, 20, 290, 175}, frame);
-    const auto geometry = PendingClientGeometry(connection(), client).read();
-    ASSERT_TRUE(geometry);
-    EXPECT_EQ(geometry->client, (Rect{-25, 60, 290, 175}));
+    EXPECT_EQ(PendingClientGeometry(connection(), client).read()->client, (Rect{-25, 60, 290, 175}));
     other_.destroy(frame);
     EXPECT_FALSE(PendingClientGeometry(connection(), client).read());
 }

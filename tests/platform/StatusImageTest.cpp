@@ -42,10 +42,8 @@ QRgb colorOf(const platform::Color& color) {
 
 int countOf(const QImage& image, QRgb color) {
     int count = 0;
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            count += image.pixel(x, y) == color ? 1 : 0;
-        }
+    for (int i = 0; i < image.width() * image.height(); ++i) {
+        count += image.pixel(i % image.width(), i / image.width()) == color ? 1 : 0;
     }
     return count;
 }
@@ -54,11 +52,10 @@ int countOf(const QImage& image, QRgb color) {
 bool isCentred(const QImage& image) {
     constexpr int tolerance = 24;
     const QImage mirrored = image.mirrored(true, false);
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            if (std::abs(qAlpha(image.pixel(x, y)) - qAlpha(mirrored.pixel(x, y))) > tolerance) {
-                return false;
-            }
+    for (int i = 0; i < image.width() * image.height(); ++i) {
+        const QPoint place(i % image.width(), i / image.width());
+        if (std::abs(qAlpha(image.pixel(place)) - qAlpha(mirrored.pixel(place))) > tolerance) {
+            return false;
         }
     }
     return true;

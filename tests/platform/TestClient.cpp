@@ -22,6 +22,13 @@ xcb_window_t TestClient::createWindow(xcb_rectangle_t place, xcb_window_t parent
     return window;
 }
 
+xcb_window_t TestClient::show(xcb_rectangle_t place, bool overrideRedirect) {
+    const xcb_window_t window = createWindow(place, XCB_WINDOW_NONE, overrideRedirect);
+    map(window);
+    raise(window);
+    return window;
+}
+
 void TestClient::map(xcb_window_t window) {
     xcb_map_window(raw(), window);
     sync();
@@ -68,11 +75,6 @@ void TestClient::setText(xcb_window_t window, xcb_atom_t property, xcb_atom_t ty
     sync();
 }
 
-void TestClient::deleteProperty(xcb_window_t window, const std::string& property) {
-    xcb_delete_property(raw(), window, atom(property));
-    sync();
-}
-
 xcb_window_t TestClient::pretendToManage() {
     const xcb_window_t check = createWindow({-1, -1, 1, 1}, XCB_WINDOW_NONE, true);
     setItems(check, "_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW, {check});
@@ -102,18 +104,9 @@ void TestClient::strike(const std::vector<xcb_keycode_t>& keys) {
     for (const xcb_keycode_t key : keys) {
         fakeKey(key, true);
     }
-    const std::vector<xcb_keycode_t> backwards(keys.rbegin(), keys.rend());
-    for (const xcb_keycode_t key : backwards) {
-        fakeKey(key, false);
+    for (auto key = keys.rbegin(); key != keys.rend(); ++key) {
+        fakeKey(*key, false);
     }
-}
-
-bool TestClient::waitForEvent() {
-    return XcbOwned<xcb_generic_event_t>(xcb_wait_for_event(raw())) != nullptr;
-}
-
-XcbOwned<xcb_generic_event_t> TestClient::pollEvent() {
-    return XcbOwned<xcb_generic_event_t>(xcb_poll_for_event(raw()));
 }
 
 void TestClient::sync() {
