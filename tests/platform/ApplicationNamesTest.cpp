@@ -12,10 +12,8 @@ namespace skylet::test {
 
 namespace {
 
-using platform::ProcessID;
-using platform::x11::ApplicationNames;
-using platform::x11::DesktopEntries;
-using platform::x11::ProcessWatcher;
+using namespace platform;
+using namespace platform::x11;
 
 // Desktop entries in one directory or more.
 class EntryDirectory : public TemporaryDirectory {
@@ -40,14 +38,17 @@ TEST_F(DesktopEntriesTest, NamesInTheUsersLanguage) {
     directory_.add("system/a.desktop",
                    "Type=Application\nName=Files\nName[sr]=sr\nName[it]=File\nName[sr@latin]=latin\n"
                    "Name[pt_BR]=Arquivos\nName[pt]=Ficheiros\nName[itx]=no");
-    struct {
-        const char* locale;
-        const char* name;
-    } const cases[] = {{"", "Files"},   {"C", "Files"},           {"it_IT", "File"},
-                       {"it", "File"},  {"pt_BR", "Arquivos"},    {"pt_PT", "Ficheiros"},
-                       {"sr_RS", "sr"}, {"sr_RS@latin", "latin"}, {"de_DE", "Files"}};
-    for (const auto& one : cases) {
-        EXPECT_EQ(read(one.locale).nameById("a"), one.name) << one.locale;
+    for (const auto& [locale, name] :
+         std::vector<std::pair<const char*, const char*>>{{"", "Files"},
+                                                          {"C", "Files"},
+                                                          {"it_IT", "File"},
+                                                          {"it", "File"},
+                                                          {"pt_BR", "Arquivos"},
+                                                          {"pt_PT", "Ficheiros"},
+                                                          {"sr_RS", "sr"},
+                                                          {"sr_RS@latin", "latin"},
+                                                          {"de_DE", "Files"}}) {
+        EXPECT_EQ(read(locale).nameById("a"), name) << locale;
     }
 }
 
@@ -92,8 +93,7 @@ class ApplicationNamesTest : public ServerTest {
         directory_.add("by-class.desktop", "Type=Application\nName=By class\nStartupWMClass=Claimed");
         directory_.add("org.gtk.App.desktop", "Type=Application\nName=By GTK id");
         directory_.add("plain.desktop", "Type=Application\nName=By id");
-        names_.emplace(connection(), mainQueue_, queues_,
-                       platform::x11::NameSources{{directory_.path()}, "it_IT"});
+        names_.emplace(connection(), mainQueue_, queues_, NameSources{{directory_.path()}, "it_IT"});
     }
     [[nodiscard]] xcb_window_t window(const std::string& windowClass, const std::string& gtkId = {}) {
         const xcb_window_t result = other_.createWindow({0, 0, 10, 10});
@@ -104,8 +104,8 @@ class ApplicationNamesTest : public ServerTest {
     }
 
     EntryDirectory directory_;
-    platform::qt::QtMainQueue mainQueue_;
-    platform::qt::ThreadSerialQueueFactory queues_;
+    qt::QtMainQueue mainQueue_;
+    qt::ThreadSerialQueueFactory queues_;
     std::optional<ApplicationNames> names_;
 };
 
@@ -113,18 +113,13 @@ TEST_F(ApplicationNamesTest, AsksTheBestSourceFirst) {
     const auto claimed = window("Claimed", "org.gtk.App");
     EXPECT_EQ(names_->name(1, claimed), "Claimed") << "before the entries are read";
     ASSERT_TRUE(eventually([&] { return names_->isReady(); }));
-    struct {
-        xcb_window_t window;
-        const char* name;
-    } const cases[] = {
-        {claimed, "By class"},
-        {window("Plain", "org.gtk.App"), "By GTK id"},
-        {window("Plain", "org.gtk.Unknown"), "By id"},
-        {window("Unknown"), "Unknown"},
-    };
     ProcessID pid = 1;
-    for (const auto& one : cases) {
-        EXPECT_EQ(names_->name(pid, one.window), one.name);
+    for (const auto& [window, name] : std::vector<std::pair<xcb_window_t, const char*>>{
+             {claimed, "By class"},
+             {this->window("Plain", "org.gtk.App"), "By GTK id"},
+             {this->window("Plain", "org.gtk.Unknown"), "By id"},
+             {this->window("Unknown"), "Unknown"}}) {
+        EXPECT_EQ(names_->name(pid, window), name);
         EXPECT_TRUE(names_->isKnown(pid));
         ++pid;
     }

@@ -14,12 +14,8 @@ namespace skylet::test {
 namespace {
 
 using namespace Qt::StringLiterals;
-using platform::Menu;
-using platform::MenuItem;
-using platform::qt::DBusMenu;
-using platform::qt::DBusMenuItem;
-using platform::qt::DBusMenuLayout;
-using platform::qt::DBusShortcut;
+using namespace platform;
+using namespace platform::qt;
 
 const auto path = u"/MenuBar"_s;
 const auto menuInterface = u"com.canonical.dbusmenu"_s;
@@ -67,18 +63,18 @@ class DBusMenuTest : public testing::Test {
     }
 
     PrivateBus bus_;
-    platform::qt::QtMainQueue mainQueue_;
+    QtMainQueue mainQueue_;
     QDBusConnection ours_ = bus_.connect();
     QDBusConnection host_ = bus_.connect();
     Menu content_;
     std::unique_ptr<DBusMenu> menu_ =
         std::make_unique<DBusMenu>(ours_, mainQueue_, path, [this] { return content_; });
     uint announced_ = 0;
-    platform::qt::DBusSignal changes_{host_,
-                                      {ours_.baseService(), path, menuInterface, u"LayoutUpdated"_s},
-                                      [this](const QDBusMessage& message) {
-                                          announced_ = message.arguments().value(0).toUInt();
-                                      }};
+    DBusSignal changes_{host_,
+                        {ours_.baseService(), path, menuInterface, u"LayoutUpdated"_s},
+                        [this](const QDBusMessage& message) {
+                            announced_ = message.arguments().value(0).toUInt();
+                        }};
     uint revision_ = 0;
     std::vector<std::string> done_;
 };
@@ -174,7 +170,7 @@ TEST_F(DBusMenuTest, AnswersForManyItemsAtOnce) {
     const auto shown = askMenu(u"AboutToShowGroup"_s, {QVariant::fromValue(QList<int>{0, 99})});
     EXPECT_EQ(argument<QList<int>>(shown, 0), QList<int>{0});
     EXPECT_EQ(argument<QList<int>>(shown, 1), QList<int>{99});
-    QList<platform::qt::DBusMenuEvent> events;
+    QList<DBusMenuEvent> events;
     for (const int id : {idOf("b"), 99, idOf("a")}) {
         events.push_back({id, u"clicked"_s, QDBusVariant(0), 0});
     }
@@ -196,20 +192,15 @@ TEST_F(DBusMenuTest, AnActionMayEndTheMenu) {
 
 TEST_F(DBusMenuTest, RefusesCallsOfAnotherForm) {
     content_ = {item("a")};
-    struct {
-        QString method;
-        QVariantList arguments;
-    } const cases[] = {
-        {u"GetLayout"_s, {}},
-        {u"GetLayout"_s, {u"0"_s, -1, QStringList()}},
-        {u"GetProperty"_s, {idOf("a"), u"none"_s}},
-        {u"Event"_s, {1, u"clicked"_s}},
-        {u"Event"_s, {4711, u"clicked"_s, QVariant::fromValue(QDBusVariant(QString())), 0U}},
-        {u"AboutToShow"_s, {u"x"_s}},
-        {u"Unknown"_s, {0}},
-    };
-    for (const auto& one : cases) {
-        EXPECT_TRUE(isRefused(one.method, one.arguments)) << one.method.toStdString();
+    for (const auto& [method, arguments] : std::vector<std::pair<QString, QVariantList>>{
+             {u"GetLayout"_s, {}},
+             {u"GetLayout"_s, {u"0"_s, -1, QStringList()}},
+             {u"GetProperty"_s, {idOf("a"), u"none"_s}},
+             {u"Event"_s, {1, u"clicked"_s}},
+             {u"Event"_s, {4711, u"clicked"_s, QVariant::fromValue(QDBusVariant(QString())), 0U}},
+             {u"AboutToShow"_s, {u"x"_s}},
+             {u"Unknown"_s, {0}}}) {
+        EXPECT_TRUE(isRefused(method, arguments)) << method.toStdString();
     }
 }
 

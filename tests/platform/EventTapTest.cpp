@@ -8,9 +8,8 @@ namespace skylet::test {
 
 namespace {
 
-namespace Modifier = platform::ModifierFlags;
-using platform::KeyEvent;
-using platform::TapEventType;
+using namespace platform;
+namespace Modifier = ModifierFlags;
 
 constexpr std::uint16_t keyP = 35;
 constexpr std::uint16_t keyO = 31;
@@ -44,7 +43,7 @@ class EventTapTest : public ServerTest {
         return events_.size();
     }
 
-    platform::x11::X11EventTap tap_{connection()};
+    x11::X11EventTap tap_{connection()};
     std::vector<KeyEvent> events_;
     const std::vector<xcb_keycode_t> shortcut_{x(KEY_LEFTCTRL), x(KEY_LEFTMETA), x(KEY_P)};
 };
@@ -102,7 +101,7 @@ TEST_F(EventTapTest, SaysWhoIsInTheWay) {
               std::string::npos)
         << *tap_.failureReason();
     EXPECT_NE(tap_.failureReason()->find("shortcutKeyCode"), std::string::npos);
-    EXPECT_EQ(tap_.refusal(), platform::KeyRefusal::heldByAnotherProgram);
+    EXPECT_EQ(tap_.refusal(), KeyRefusal::heldByAnotherProgram);
     EXPECT_FALSE(other_.grabKey(controlAndSuper, x(KEY_P))) << "a part was kept";
 
     other_.ungrabKey(controlAndSuper | XCB_MOD_MASK_LOCK, x(KEY_P));
@@ -125,7 +124,7 @@ TEST_F(EventTapTest, ChangesTheKeyAtOnce) {
     EXPECT_TRUE(tap_.failureReason());
     EXPECT_FALSE(tap_.setWantedKey(54, Modifier::control)) << "no key has this code";
     EXPECT_TRUE(tap_.failureReason());
-    EXPECT_EQ(tap_.refusal(), platform::KeyRefusal::notOnKeyboard);
+    EXPECT_EQ(tap_.refusal(), KeyRefusal::notOnKeyboard);
     EXPECT_TRUE(tap_.setWantedKey(keyO, Modifier::control));
     EXPECT_FALSE(tap_.failureReason());
     EXPECT_EQ(strike({x(KEY_LEFTCTRL), x(KEY_O)}), 1U);
@@ -149,7 +148,7 @@ TEST_F(EventTapTest, HearsRepeatedPresses) {
 // Exchanges the modifier bits of Super and Num Lock, and gives the letter's key another letter.
 TEST_F(EventTapTest, FollowsTheLayout) {
     enable();
-    using platform::x11::XcbOwned;
+    using x11::XcbOwned;
     const XcbOwned<xcb_get_modifier_mapping_reply_t> map(
         xcb_get_modifier_mapping_reply(other_.raw(), xcb_get_modifier_mapping(other_.raw()), nullptr));
     ASSERT_TRUE(map);

@@ -62,37 +62,32 @@ void expectRead(const Read& read, const std::optional<Value>& expected, const ch
 
 TEST_F(FileDefaultsTest, ReadsTypesStrictly) {
     // What each read finds; nothing where the text is of a wrong type.
-    struct {
+    struct Case {
         const char* raw;
         std::optional<bool> asBool;
         std::optional<std::int64_t> asInteger;
         std::optional<double> asDouble;
-    } const cases[] = {
+    };
+    std::vector<Case> cases{
         {"true", true, wrong, wrong},
         {"TRUE", true, wrong, wrong},
         {"False", false, wrong, wrong},
         {"1", true, 1, 1},
         {"0", false, 0, 0},
-        {"yes", wrong, wrong, wrong},
-        {"on", wrong, wrong, wrong},
         {"2", wrong, 2, 2},
-        {"", wrong, wrong, wrong},
         {"35.9", wrong, 35, 35.9},
         {"-35.9", wrong, -35, -35.9},
         {"1e3", wrong, 1000, 1000},
-        {"0,5", wrong, wrong, wrong},
-        {"0x10", wrong, wrong, wrong},
-        {"12 apples", wrong, wrong, wrong},
-        {"nan", wrong, wrong, wrong},
-        {"inf", wrong, wrong, wrong},
         {"9223372036854775807", wrong, 9223372036854775807, 9223372036854775807.0},
         {"9223372036854775808", wrong, wrong, 9223372036854775808.0},
         {"-1e300", wrong, wrong, -1e300},
-        {"1e999", wrong, wrong, wrong},
         {"\"1\"", true, 1, 1},
         {" 7  ", wrong, 7, 7},
         {"7 ; seven", wrong, 7, 7},
     };
+    for (const char* raw : {"yes", "on", "", "0,5", "0x10", "12 apples", "nan", "inf", "1e999"}) {
+        cases.push_back({raw, wrong, wrong, wrong});
+    }
     // Numbers are written the same in every language.
     std::setlocale(LC_NUMERIC, "de_DE.UTF-8"); // NOLINT: one thread here
     for (const auto& one : cases) {
@@ -116,30 +111,27 @@ TEST_F(FileDefaultsTest, FindsKeysOfTheUngroupedGroupOnly) {
 }
 
 TEST_F(FileDefaultsTest, ChangesOnlyTheLineOfTheKey) {
-    struct {
-        const char* before;
-        const char* after; // key removed "gone", key set to "true"
-    } const cases[] = {
-        {"", "[General]\nkey=true\n"},
-        {"[General]\n", "[General]\nkey=true\n"},
-        {"# mine\n[General]\nother = 1 ; why\n\n[Colors]\nkey=red\n",
-         "# mine\n[General]\nother = 1 ; why\nkey=true\n\n[Colors]\nkey=red\n"},
-        {"[General]\n  key =  false   ; because\nz=1\n", "[General]\n  key =  true   ; because\nz=1\n"},
-        {"[Colors]\nkey=red", "[Colors]\nkey=red\n\n[General]\nkey=true\n"},
-        {"[General]\nz=1", "[General]\nz=1\nkey=true\n"},
-        {"[General]\r\nz=1\r\n", "[General]\r\nz=1\r\nkey=true\r\n"},
-        {"[General]\nkey=1\nkey=2\n", "[General]\nkey=1\nkey=true\n"},
-        {"[General]\ngone=5\nkey=\n[X]\ngone=1\n", "[General]\nkey=true\n[X]\ngone=1\n"},
-        {"nonsense\n[General\nkey=1\n[General]\n", "nonsense\n[General\nkey=1\n[General]\nkey=true\n"},
-    };
-    for (const auto& one : cases) {
-        write(one.before);
+    // Before, and with "gone" removed and "key" set to true.
+    for (const auto& [before, after] : std::vector<std::pair<const char*, const char*>>{
+             {"", "[General]\nkey=true\n"},
+             {"[General]\n", "[General]\nkey=true\n"},
+             {"# mine\n[General]\nother = 1 ; why\n\n[Colors]\nkey=red\n",
+              "# mine\n[General]\nother = 1 ; why\nkey=true\n\n[Colors]\nkey=red\n"},
+             {"[General]\n  key =  false   ; because\nz=1\n", "[General]\n  key =  true   ; because\nz=1\n"},
+             {"[Colors]\nkey=red", "[Colors]\nkey=red\n\n[General]\nkey=true\n"},
+             {"[General]\nz=1", "[General]\nz=1\nkey=true\n"},
+             {"[General]\r\nz=1\r\n", "[General]\r\nz=1\r\nkey=true\r\n"},
+             {"[General]\nkey=1\nkey=2\n", "[General]\nkey=1\nkey=true\n"},
+             {"[General]\ngone=5\nkey=\n[X]\ngone=1\n", "[General]\nkey=true\n[X]\ngone=1\n"},
+             {"nonsense\n[General\nkey=1\n[General]\n",
+              "nonsense\n[General\nkey=1\n[General]\nkey=true\n"}}) {
+        write(before);
         FileDefaults defaults(path_);
         defaults.remove("gone");
         defaults.setBool("key", true);
-        EXPECT_EQ(content(), one.after) << one.before;
-        EXPECT_TRUE(defaults.readBool("key").value) << one.before;
-        EXPECT_EQ(defaults.readBool("gone").status, DefaultsStatus::absent) << one.before;
+        EXPECT_EQ(content(), after) << before;
+        EXPECT_TRUE(defaults.readBool("key").value) << before;
+        EXPECT_EQ(defaults.readBool("gone").status, DefaultsStatus::absent) << before;
     }
 }
 

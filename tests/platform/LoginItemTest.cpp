@@ -94,30 +94,16 @@ TEST_F(LoginItemTest, FailsWithoutLosingAnything) {
 }
 
 TEST_F(LoginItemTest, QuotesEveryPath) {
-    struct {
-        const char* program;
-        const char* line;
-    } const cases[] = {
-        {"/opt/My Apps/skylet", R"(Exec="/opt/My Apps/skylet")"},
-        {"/opt/100%/skylet", R"(Exec="/opt/100%%/skylet")"},
-        {R"(/opt/a"b)", R"(Exec="/opt/a\\"b")"},
-        {R"(/opt/$a`b)", R"(Exec="/opt/\\$a\\`b")"},
-        {R"(/opt/a\b)", R"(Exec="/opt/a\\\\b")"},
-        {"/opt/è", R"(Exec="/opt/è")"},
-    };
-    for (const auto& test : cases) {
-        EXPECT_TRUE(AutostartEntry(path_, "Skylet", test.program).registerItem());
-        EXPECT_NE(readFile(path_).find(std::string(test.line) + "\n"), std::string::npos) << readFile(path_);
+    for (const auto& [program, line] : std::vector<std::pair<const char*, const char*>>{
+             {"/opt/My Apps/skylet", R"(Exec="/opt/My Apps/skylet")"},
+             {"/opt/100%/skylet", R"(Exec="/opt/100%%/skylet")"},
+             {R"(/opt/a"b)", R"(Exec="/opt/a\\"b")"},
+             {R"(/opt/$a`b)", R"(Exec="/opt/\\$a\\`b")"},
+             {R"(/opt/a\b)", R"(Exec="/opt/a\\\\b")"},
+             {"/opt/è", R"(Exec="/opt/è")"}}) {
+        EXPECT_TRUE(AutostartEntry(path_, "Skylet", program).registerItem());
+        EXPECT_NE(readFile(path_).find(std::string(line) + "\n"), std::string::npos) << readFile(path_);
     }
-}
-
-TEST_F(LoginItemTest, LiesInTheUsersConfiguration) {
-    {
-        const Environment absolute("XDG_CONFIG_HOME", "/somewhere");
-        EXPECT_EQ(AutostartEntry::defaultPath("x"), "/somewhere/autostart/x.desktop");
-    }
-    const Environment relative("XDG_CONFIG_HOME", "relative");
-    EXPECT_TRUE(AutostartEntry::defaultPath("x").ends_with("/.config/autostart/x.desktop"));
 }
 
 TEST(SettingsProgram, IsTheOneOfTheDesktop) {

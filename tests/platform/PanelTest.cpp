@@ -23,10 +23,8 @@ class PanelTest : public ServerTest {
         queue_.discard();
     }
 
-    Panel& makePanel(Rect rootRect, std::uint32_t behavior = 0) {
-        PanelConfiguration configuration;
-        configuration.collectionBehavior = behavior;
-        panels_.push_back(factory_.makePanel(layout_.flipped(rootRect), configuration));
+    Panel& makePanel(Rect rootRect) {
+        panels_.push_back(factory_.makePanel(layout_.flipped(rootRect), {}));
         panels_.back()->setEventHandler([this](const InputEvent& event) { events_.push_back(event); });
         dispatch();
         return *panels_.back();
@@ -149,25 +147,6 @@ TEST_F(PanelTest, NothingShowsOverWhatCoversAMonitor) {
     (void)other_.show({0, 0, 800, 600});
     dispatch();
     EXPECT_EQ(panelsShown(), 2);
-}
-
-TEST_F(PanelTest, ShowsOnItsOwnDesktopOrOnAll) {
-    other_.pretendToManage();
-    const auto goTo = [this](std::uint32_t desktop) {
-        other_.setItems(other_.root(), "_NET_CURRENT_DESKTOP", XCB_ATOM_CARDINAL, {desktop});
-    };
-    goTo(2);
-    Panel& here = makePanel({100, 100, 200, 100});
-    here.orderFrontRegardless();
-    Panel& everywhere = makePanel({100, 300, 200, 100}, CollectionBehavior::canJoinAllSpaces);
-    everywhere.orderFrontRegardless();
-    EXPECT_TRUE(eventually([&] { return panelsShown() == 2; }));
-    goTo(0);
-    EXPECT_TRUE(eventually([&] { return panelsShown() == 1; }));
-    everywhere.setCollectionBehavior(0);
-    EXPECT_TRUE(eventually([&] { return panelsShown() == 0; }));
-    goTo(2);
-    EXPECT_TRUE(eventually([&] { return panelsShown() == 2; }));
 }
 
 TEST_F(PanelTest, BehindShowsOnlyWhereNoWindowIs) {

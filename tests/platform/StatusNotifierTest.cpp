@@ -17,9 +17,7 @@ namespace skylet::test {
 namespace {
 
 using namespace Qt::StringLiterals;
-using platform::qt::StatusNotifierItem;
-using platform::qt::StatusNotifierPicture;
-using platform::qt::StatusNotifierWatcher;
+using namespace platform::qt;
 using State = StatusNotifierWatcher::State;
 
 const auto watcherName = u"org.kde.StatusNotifierWatcher"_s;
@@ -34,7 +32,7 @@ class StatusNotifierTest : public testing::Test {
     }
 
     PrivateBus bus_;
-    platform::qt::QtMainQueue mainQueue_;
+    QtMainQueue mainQueue_;
     QDBusConnection ours_ = bus_.connect();
     QDBusConnection panel_ = bus_.connect();
 };
@@ -56,8 +54,7 @@ TEST_F(StatusNotifierTest, FollowsHostsThatComeAndGo) {
         if (message.member() == u"RegisterStatusNotifierItem"_s) {
             items << message.arguments().value(0).toString();
         }
-        return platform::qt::answerProperties(message, watcherName,
-                                              {{u"IsStatusNotifierHostRegistered"_s, host}})
+        return answerProperties(message, watcherName, {{u"IsStatusNotifierHostRegistered"_s, host}})
             .value_or(QVariantList());
     });
     panel_.registerVirtualObject(watcherPath, &object);
@@ -97,8 +94,8 @@ TEST_F(StatusNotifierTest, ItemShowsPicturesOfEverySizeAndItsToolTip) {
     // The name is asked for without waiting.
     ASSERT_TRUE(eventually([&] { return isNamed(service); }));
     int redrawn = 0;
-    const platform::qt::DBusSignal signal(panel_, {service, itemPath, itemInterface, u"NewIcon"_s},
-                                          [&](const QDBusMessage&) { ++redrawn; });
+    const DBusSignal signal(panel_, {service, itemPath, itemInterface, u"NewIcon"_s},
+                            [&](const QDBusMessage&) { ++redrawn; });
     item->setImage({.symbol = {.name = "pin.fill",
                                .accessibilityDescription = "Skylet",
                                .pointSize = 16,
@@ -116,8 +113,8 @@ TEST_F(StatusNotifierTest, ItemShowsPicturesOfEverySizeAndItsToolTip) {
     EXPECT_EQ(properties.value(u"Title"_s).toString(), u"Skylet"_s);
     EXPECT_EQ(properties.value(u"Menu"_s).value<QDBusObjectPath>().path(), u"/MenuBar"_s);
     EXPECT_TRUE(properties.value(u"ItemIsMenu"_s).toBool());
-    const auto toolTip = qdbus_cast<platform::qt::StatusNotifierToolTip>(
-        properties.value(u"ToolTip"_s).value<QDBusArgument>());
+    const auto toolTip =
+        qdbus_cast<StatusNotifierToolTip>(properties.value(u"ToolTip"_s).value<QDBusArgument>());
     EXPECT_EQ(toolTip.title, u"Skylet — 2 finestre fissate"_s);
     const auto pictures =
         qdbus_cast<QList<StatusNotifierPicture>>(properties.value(u"IconPixmap"_s).value<QDBusArgument>());

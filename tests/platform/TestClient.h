@@ -26,9 +26,9 @@ class TestClient {
     // Above the others.
     [[nodiscard]] xcb_window_t show(xcb_rectangle_t place, bool overrideRedirect = false);
     // Every change is done when the call returns.
-    void map(xcb_window_t window);
-    void unmap(xcb_window_t window);
-    void destroy(xcb_window_t window);
+    void map(xcb_window_t window) { finish(xcb_map_window_checked(raw(), window)); }
+    void unmap(xcb_window_t window) { finish(xcb_unmap_window_checked(raw(), window)); }
+    void destroy(xcb_window_t window) { finish(xcb_destroy_window_checked(raw(), window)); }
     void focus(xcb_window_t window);
     void raise(xcb_window_t window);
     [[nodiscard]] xcb_atom_t atom(const std::string& name);
@@ -59,6 +59,8 @@ class TestClient {
     void sync();
 
   private:
+    std::optional<std::uint8_t> finish(xcb_void_cookie_t checked);
+
     struct Disconnect {
         void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
     };
