@@ -103,7 +103,8 @@ TEST_F(DesktopQueriesTest, WithAManagerItsWordIsChecked) {
     for (const auto& test : cases) {
         manage(test.stacking, test.told);
         EXPECT_EQ(active(), test.active);
-        EXPECT_EQ(readClientWindows(connection()).windows.front(), test.stacking.back());
+        EXPECT_EQ(readClientWindows(connection()).windows,
+                  std::vector(test.stacking.rbegin(), test.stacking.rend()));
     }
     manage({one}, {one});
     other_.setText(other_.root(), other_.atom("_NET_ACTIVE_WINDOW"), XCB_ATOM_WINDOW, "x");
@@ -262,8 +263,6 @@ TEST_F(WorkspaceTest, WindowsAreAccessibilityElements) {
     EXPECT_EQ(*read(top, "AXRole").get<std::string>(), "AXWindow");
     EXPECT_EQ(*read(top, "AXPosition").get<Point>(), (Point{20, 25}));
     EXPECT_EQ(*read(top, "AXSize").get<Size>(), (Size{80, 80}));
-    EXPECT_EQ(read(top, "AXChildren").error, AXError::noValue);
-    EXPECT_EQ(read(top, "AXNonsense").error, AXError::attributeUnsupported);
 
     other_.focus(back);
     EXPECT_EQ(read(mine, "AXFocusedWindow").error, AXError::success);
@@ -275,7 +274,6 @@ TEST_F(WorkspaceTest, WindowsAreAccessibilityElements) {
     EXPECT_EQ(accessibility_.performAction(windows->back(), "AXRaise"), AXError::success);
     EXPECT_EQ(readClientWindows(connection()).windows.front(), back);
     EXPECT_EQ(raised_.take(getpid()), back);
-    EXPECT_EQ(accessibility_.performAction(top, "AXPress"), AXError::actionUnsupported);
     other_.destroy(front);
     EXPECT_EQ(read(top, "AXTitle").error, AXError::invalidUIElement);
     EXPECT_EQ(read(top, "AXPosition").error, AXError::invalidUIElement);
