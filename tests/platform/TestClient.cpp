@@ -81,8 +81,9 @@ void TestClient::strike(const std::vector<xcb_keycode_t>& keys) {
     for (const xcb_keycode_t key : keys) {
         fakeKey(key, true);
     }
-    for (auto key = keys.rbegin(); key != keys.rend(); ++key) {
-        fakeKey(*key, false);
+    const std::vector<xcb_keycode_t> backwards(keys.rbegin(), keys.rend());
+    for (const xcb_keycode_t key : backwards) {
+        fakeKey(key, false);
     }
 }
 
