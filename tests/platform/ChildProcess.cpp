@@ -2,74 +2,37 @@
 
 #include "platform/Waiting.h"
 
-#include <cstdlib>
-#include <fcntl.h>
-#include <poll.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <sys/prctl.h>
 
 namespace skylet::test {
 
 namespace {
-constexpr int childOutput = 3;
+constexpr int wait = std::chrono::milliseconds(patience).count();
 } // namespace
 
-ChildProcess::ChildProcess(const std::vector<std::string>& arguments) {
-    int ends[2] = {-1, -1};
-    if (pipe(ends) != 0) {
-        std::abort();
+ChildProcess::ChildProcess(const std::vector<std::string>& command) {
+    QStringList arguments;
+    for (const std::string& argument : command) {
+        arguments << QString::fromStdString(argument);
     }
-    fcntl(ends[0], F_SETFD, FD_CLOEXEC);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, ends[1], childOutput);
-    if (ends[1] != childOutput) {
-        posix_spawn_file_actions_addclose(&actions, ends[1]);
-    }
-    for (const int descriptor : {STDOUT_FILENO, STDERR_FILENO}) {
-        posix_spawn_file_actions_addopen(&actions, descriptor, "/dev/null", O_WRONLY, 0);
-    }
-    std::vector<char*> raw;
-    raw.reserve(arguments.size() + 1);
-    for (const std::string& argument : arguments) {
-        raw.push_back(const_cast<char*>(argument.c_str())); // NOLINT: not written to
-    }
-    raw.push_back(nullptr);
-    if (posix_spawnp(&pid_, raw[0], &actions, nullptr, raw.data(), environ) != 0) {
-        pid_ = -1;
-    }
-    posix_spawn_file_actions_destroy(&actions);
-    close(ends[1]);
-    output_ = ends[0];
-}
-
-ChildProcess::~ChildProcess() {
-    end();
-    close(output_);
+    const QString program = arguments.takeFirst();
+    // It must not outlive a test that crashes.
+    process_.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGTERM); });
+    process_.setStandardErrorFile(QProcess::nullDevice());
+    process_.start(program, arguments, QIODevice::ReadOnly);
+    process_.waitForStarted(wait);
 }
 
 std::string ChildProcess::readLine() {
-    std::string line;
-    while (true) {
-        pollfd ready{output_, POLLIN, 0};
-        char byte = 0;
-        if (poll(&ready, 1, std::chrono::milliseconds(patience).count()) <= 0 ||
-            read(output_, &byte, 1) != 1) {
-            return {};
-        }
-        if (byte == '\n') {
-            return line;
-        }
-        line += byte;
+    while (!process_.canReadLine() && process_.waitForReadyRead(wait)) {
     }
+    return process_.readLine().trimmed().toStdString();
 }
 
 void ChildProcess::end(int signal) {
-    if (pid_ > 0) {
-        kill(pid_, signal);
-        waitpid(pid_, nullptr, 0);
-        pid_ = -1;
+    if (pid() > 0) {
+        kill(pid(), signal);
+        process_.waitForFinished(wait);
     }
 }
 

@@ -1,81 +1,60 @@
 #include "platform/qt/DBusMenu.h"
 
 #include "platform/PrivateServer.h"
-#include "platform/Waiting.h"
 #include "platform/qt/DBusSignal.h"
 #include "platform/qt/QtMainQueue.h"
 
-#include <QDBusMessage>
-#include <QDBusPendingCall>
 #include <QDBusPendingReply>
 
 #include <gtest/gtest.h>
 #include <memory>
-#include <string>
-#include <vector>
 
 namespace skylet::test {
 
 namespace {
 
-using platform::Menu;
-using platform::MenuItem;
-using platform::qt::DBusMenu;
-using platform::qt::DBusMenuItem;
-using platform::qt::DBusMenuLayout;
-using platform::qt::DBusShortcut;
-using platform::qt::DBusSignal;
+using namespace Qt::StringLiterals;
+using namespace platform;
+using namespace platform::qt;
 
-const auto path = QStringLiteral("/MenuBar");
-const auto menuInterface = QStringLiteral("com.canonical.dbusmenu");
+const auto path = u"/MenuBar"_s;
+const auto menuInterface = u"com.canonical.dbusmenu"_s;
+
+template <class T>
+T argument(const QDBusMessage& message, int index) {
+    return qdbus_cast<T>(message.arguments().value(index).value<QDBusArgument>());
+}
 
 // A host that shows the menu of another program.
 class DBusMenuTest : public testing::Test {
   protected:
-    DBusMenuTest()
-        : ours_(QDBusConnection::connectToBus(QString::fromStdString(bus_.address()), QStringLiteral("ours")))
-        , host_(QDBusConnection::connectToBus(QString::fromStdString(bus_.address()), QStringLiteral("host")))
-        , menu_(std::make_unique<DBusMenu>(ours_, mainQueue_, path, [this] { return content_; }))
-        , changes_(
-              host_, {ours_.baseService(), path, menuInterface, QStringLiteral("LayoutUpdated")},
-              [this](const QDBusMessage& message) { announced_ = message.arguments().value(0).toUInt(); }) {}
-    ~DBusMenuTest() override {
-        menu_.reset();
-        QDBusConnection::disconnectFromBus(QStringLiteral("ours"));
-        QDBusConnection::disconnectFromBus(QStringLiteral("host"));
+    [[nodiscard]] QDBusMessage askMenu(const QString& method, const QVariantList& arguments,
+                                       const QString& interface = menuInterface) {
+        return ask(host_, busCall(ours_.baseService(), path, interface, method, arguments));
     }
-
-    [[nodiscard]] QDBusMessage ask(const QString& method, const QVariantList& arguments,
-                                   const QString& interface = menuInterface) {
-        auto message = QDBusMessage::createMethodCall(ours_.baseService(), path, interface, method);
-        message.setArguments(arguments);
-        const QDBusPendingCall pending = host_.asyncCall(message);
-        EXPECT_TRUE(eventually([&] { return pending.isFinished(); }));
-        return pending.reply();
+    [[nodiscard]] bool isRefused(const QString& method, const QVariantList& arguments) {
+        return askMenu(method, arguments).type() == QDBusMessage::ErrorMessage;
     }
-    [[nodiscard]] DBusMenuLayout layout(const QStringList& names = {}) {
-        const QVariantList arguments = ask(QStringLiteral("GetLayout"), {0, -1, names}).arguments();
-        revision_ = arguments.value(0).toUInt();
-        return qdbus_cast<DBusMenuLayout>(arguments.value(1).value<QDBusArgument>());
+    [[nodiscard]] DBusMenuLayout layout(const QStringList& names = {}, int depth = -1) {
+        const QDBusMessage answer = askMenu(u"GetLayout"_s, {0, depth, names});
+        revision_ = answer.arguments().value(0).toUInt();
+        return argument<DBusMenuLayout>(answer, 1);
     }
     [[nodiscard]] int idOf(const std::string& label) {
         for (const DBusMenuLayout& item : layout().children) {
-            if (item.properties.value(QStringLiteral("label")).toString().toStdString() == label) {
+            if (item.properties.value(u"label"_s).toString().toStdString() == label) {
                 return item.id;
             }
         }
         return -1;
     }
-    [[nodiscard]] bool aboutToShow() {
-        return ask(QStringLiteral("AboutToShow"), {0}).arguments().value(0).toBool();
-    }
+    [[nodiscard]] bool aboutToShow() { return askMenu(u"AboutToShow"_s, {0}).arguments().value(0).toBool(); }
     // Whether the menu knew the item.
-    bool tell(int id, const QString& event = QStringLiteral("clicked")) {
-        const QVariant data = QVariant::fromValue(QDBusVariant(QString()));
-        return ask(QStringLiteral("Event"), {id, event, data, 0U}).type() == QDBusMessage::ReplyMessage;
+    bool tell(int id, const QString& event = u"clicked"_s) {
+        return !isRefused(u"Event"_s, {id, event, QVariant::fromValue(QDBusVariant(QString())), 0U});
     }
-    [[nodiscard]] MenuItem item(const std::string& title) {
-        return {.identity = title, .title = title, .action = [this, title] {
+    [[nodiscard]] MenuItem item(const std::string& title, bool isEnabled = true) {
+        return {.identity = title, .title = title, .isEnabled = isEnabled, .action = [this, title] {
                     done_.push_back(title);
                 }};
     }
@@ -84,72 +63,62 @@ class DBusMenuTest : public testing::Test {
     }
 
     PrivateBus bus_;
-    platform::qt::QtMainQueue mainQueue_;
-    QDBusConnection ours_;
-    QDBusConnection host_;
+    QtMainQueue mainQueue_;
+    QDBusConnection ours_ = bus_.connect();
+    QDBusConnection host_ = bus_.connect();
     Menu content_;
-    std::unique_ptr<DBusMenu> menu_;
+    std::unique_ptr<DBusMenu> menu_ =
+        std::make_unique<DBusMenu>(ours_, mainQueue_, path, [this] { return content_; });
     uint announced_ = 0;
-    DBusSignal changes_;
+    DBusSignal changes_{host_,
+                        {ours_.baseService(), path, menuInterface, u"LayoutUpdated"_s},
+                        [this](const QDBusMessage& message) {
+                            announced_ = message.arguments().value(0).toUInt();
+                        }};
     uint revision_ = 0;
     std::vector<std::string> done_;
 };
 
 TEST_F(DBusMenuTest, SaysWhatEachItemLooksLike) {
-    MenuItem disabled = item("a_b & c");
-    disabled.isEnabled = false;
     MenuItem checked = item("pinned");
     checked.isOn = true;
     MenuItem quit = item("quit");
     quit.keyEquivalent = "q";
     MenuItem redo = item("redo");
     redo.keyEquivalent = "Z";
-    content_ = {disabled, MenuItem::separator("line"), checked, quit, redo};
+    content_ = {item("a_b & c", false), MenuItem::separator("line"), checked, quit, redo};
 
     const DBusMenuLayout root = layout();
     EXPECT_EQ(root.id, 0);
-    EXPECT_EQ(root.properties.value(QStringLiteral("children-display")).toString(),
-              QStringLiteral("submenu"));
+    EXPECT_EQ(root.properties.value(u"children-display"_s).toString(), u"submenu"_s);
     ASSERT_EQ(root.children.size(), 5);
     const auto properties = [&](int index) {
         return root.children[index].properties;
     };
-    const auto label = QStringLiteral("label");
-    EXPECT_EQ(properties(0),
-              (QVariantMap{{label, QStringLiteral("a__b & c")}, {QStringLiteral("enabled"), false}}));
-    EXPECT_EQ(properties(1), (QVariantMap{{QStringLiteral("type"), QStringLiteral("separator")}}));
-    EXPECT_EQ(properties(2), (QVariantMap{{label, QStringLiteral("pinned")},
-                                          {QStringLiteral("toggle-type"), QStringLiteral("checkmark")},
-                                          {QStringLiteral("toggle-state"), 1}}));
+    const auto label = u"label"_s;
+    EXPECT_EQ(properties(0), (QVariantMap{{label, u"a__b & c"_s}, {u"enabled"_s, false}}));
+    EXPECT_EQ(properties(1), (QVariantMap{{u"type"_s, u"separator"_s}}));
+    EXPECT_EQ(
+        properties(2),
+        (QVariantMap{{label, u"pinned"_s}, {u"toggle-type"_s, u"checkmark"_s}, {u"toggle-state"_s, 1}}));
     const auto shortcut = [&](int index) {
-        return qdbus_cast<DBusShortcut>(
-            properties(index).value(QStringLiteral("shortcut")).value<QDBusArgument>());
+        return qdbus_cast<DBusShortcut>(properties(index).value(u"shortcut"_s).value<QDBusArgument>());
     };
-    EXPECT_EQ(shortcut(3), (DBusShortcut{{QStringLiteral("Control"), QStringLiteral("Q")}}));
-    EXPECT_EQ(shortcut(4),
-              (DBusShortcut{{QStringLiteral("Control"), QStringLiteral("Shift"), QStringLiteral("Z")}}));
+    EXPECT_EQ(shortcut(3), (DBusShortcut{{u"Control"_s, u"Q"_s}}));
+    EXPECT_EQ(shortcut(4), (DBusShortcut{{u"Control"_s, u"Shift"_s, u"Z"_s}}));
 
-    EXPECT_EQ(layout({label}).children[2].properties, (QVariantMap{{label, QStringLiteral("pinned")}}));
-    EXPECT_TRUE(qdbus_cast<DBusMenuLayout>(ask(QStringLiteral("GetLayout"), {0, 0, QStringList()})
-                                               .arguments()
-                                               .value(1)
-                                               .value<QDBusArgument>())
-                    .children.isEmpty());
+    EXPECT_EQ(layout({label}).children[2].properties, (QVariantMap{{label, u"pinned"_s}}));
+    EXPECT_TRUE(layout({}, 0).children.isEmpty());
     const int id = root.children[2].id;
-    const QDBusPendingReply<QDBusVariant> one = ask(QStringLiteral("GetProperty"), {id, label});
-    EXPECT_EQ(one.value().variant().toString(), QStringLiteral("pinned"));
-    EXPECT_EQ(ask(QStringLiteral("GetProperty"), {id, QStringLiteral("none")}).type(),
-              QDBusMessage::ErrorMessage);
-    const auto group = qdbus_cast<QList<DBusMenuItem>>(
-        ask(QStringLiteral("GetGroupProperties"), {QVariant::fromValue(QList<int>{0, id}), QStringList()})
-            .arguments()
-            .value(0)
-            .value<QDBusArgument>());
+    const QDBusPendingReply<QDBusVariant> one = askMenu(u"GetProperty"_s, {id, label});
+    EXPECT_EQ(one.value().variant().toString(), u"pinned"_s);
+    const QVariant ids = QVariant::fromValue(QList<int>{0, id});
+    const auto group =
+        argument<QList<DBusMenuItem>>(askMenu(u"GetGroupProperties"_s, {ids, QStringList()}), 0);
     ASSERT_EQ(group.size(), 2) << "hosts ask for the root's properties too";
     EXPECT_EQ(group[1].properties, properties(2));
     const QDBusPendingReply<QDBusVariant> version =
-        ask(QStringLiteral("Get"), {menuInterface, QStringLiteral("Version")},
-            QStringLiteral("org.freedesktop.DBus.Properties"));
+        askMenu(u"Get"_s, {menuInterface, u"Version"_s}, u"org.freedesktop.DBus.Properties"_s);
     EXPECT_EQ(version.value().variant().toUInt(), 3U);
 }
 
@@ -183,39 +152,30 @@ TEST_F(DBusMenuTest, ClicksMeanWhatWasDisplayed) {
     content_ = {item("about")};
     EXPECT_TRUE(aboutToShow());
     EXPECT_FALSE(tell(b)) << "two menus ago";
-    EXPECT_FALSE(tell(4711));
 }
 
 TEST_F(DBusMenuTest, OnlyClicksOnEnabledItemsAct) {
-    MenuItem disabled = item("disabled");
-    disabled.isEnabled = false;
-    content_ = {disabled, MenuItem::separator("line"), item("enabled")};
-    const DBusMenuLayout root = layout();
-    for (const DBusMenuLayout& one : root.children) {
-        EXPECT_TRUE(tell(one.id, QStringLiteral("hovered")));
-    }
-    EXPECT_TRUE(tell(0, QStringLiteral("opened")));
-    EXPECT_TRUE(tell(0));
-    for (const DBusMenuLayout& one : root.children) {
-        EXPECT_TRUE(tell(one.id));
+    content_ = {item("disabled", false), MenuItem::separator("line"), item("enabled")};
+    for (const QString& event : {u"hovered"_s, u"opened"_s, u"clicked"_s}) {
+        EXPECT_TRUE(tell(0, event));
+        for (const DBusMenuLayout& one : layout().children) {
+            EXPECT_TRUE(tell(one.id, event));
+        }
     }
     EXPECT_TRUE(isDone({"enabled"}));
 }
 
 TEST_F(DBusMenuTest, AnswersForManyItemsAtOnce) {
     content_ = {item("a"), item("b")};
-    const auto groupOf = [](const QDBusMessage& message, int index) {
-        return qdbus_cast<QList<int>>(message.arguments().value(index).value<QDBusArgument>());
-    };
-    const auto shown = ask(QStringLiteral("AboutToShowGroup"), {QVariant::fromValue(QList<int>{0, 99})});
-    EXPECT_EQ(groupOf(shown, 0), QList<int>{0});
-    EXPECT_EQ(groupOf(shown, 1), QList<int>{99});
-    const QList<platform::qt::DBusMenuEvent> events{
-        {idOf("b"), QStringLiteral("clicked"), QDBusVariant(0), 0},
-        {99, QStringLiteral("clicked"), QDBusVariant(0), 0},
-        {idOf("a"), QStringLiteral("clicked"), QDBusVariant(0), 0}};
-    const auto told = ask(QStringLiteral("EventGroup"), {QVariant::fromValue(events)});
-    EXPECT_EQ(groupOf(told, 0), QList<int>{99});
+    const auto shown = askMenu(u"AboutToShowGroup"_s, {QVariant::fromValue(QList<int>{0, 99})});
+    EXPECT_EQ(argument<QList<int>>(shown, 0), QList<int>{0});
+    EXPECT_EQ(argument<QList<int>>(shown, 1), QList<int>{99});
+    QList<DBusMenuEvent> events;
+    for (const int id : {idOf("b"), 99, idOf("a")}) {
+        events.push_back({id, u"clicked"_s, QDBusVariant(0), 0});
+    }
+    const auto told = askMenu(u"EventGroup"_s, {QVariant::fromValue(events)});
+    EXPECT_EQ(argument<QList<int>>(told, 0), QList<int>{99});
     EXPECT_TRUE(isDone({"b", "a"}));
 }
 
@@ -227,24 +187,20 @@ TEST_F(DBusMenuTest, AnActionMayEndTheMenu) {
                  }}};
     EXPECT_TRUE(tell(idOf("hide")));
     EXPECT_TRUE(eventually([&] { return ended; }));
-    EXPECT_EQ(ask(QStringLiteral("AboutToShow"), {0}).type(), QDBusMessage::ErrorMessage);
+    EXPECT_TRUE(isRefused(u"AboutToShow"_s, {0}));
 }
 
 TEST_F(DBusMenuTest, RefusesCallsOfAnotherForm) {
     content_ = {item("a")};
-    struct {
-        QString method;
-        QVariantList arguments;
-    } const cases[] = {
-        {QStringLiteral("GetLayout"), {}},
-        {QStringLiteral("GetLayout"), {QStringLiteral("0"), -1, QStringList()}},
-        {QStringLiteral("Event"), {1, QStringLiteral("clicked")}},
-        {QStringLiteral("AboutToShow"), {QStringLiteral("x")}},
-        {QStringLiteral("Unknown"), {0}},
-    };
-    for (const auto& one : cases) {
-        EXPECT_EQ(ask(one.method, one.arguments).type(), QDBusMessage::ErrorMessage)
-            << one.method.toStdString();
+    for (const auto& [method, arguments] : std::vector<std::pair<QString, QVariantList>>{
+             {u"GetLayout"_s, {}},
+             {u"GetLayout"_s, {u"0"_s, -1, QStringList()}},
+             {u"GetProperty"_s, {idOf("a"), u"none"_s}},
+             {u"Event"_s, {1, u"clicked"_s}},
+             {u"Event"_s, {4711, u"clicked"_s, QVariant::fromValue(QDBusVariant(QString())), 0U}},
+             {u"AboutToShow"_s, {u"x"_s}},
+             {u"Unknown"_s, {0}}}) {
+        EXPECT_TRUE(isRefused(method, arguments)) << method.toStdString();
     }
 }
 

@@ -1,7 +1,6 @@
 #include "platform/qt/FileDefaults.h"
 
 #include "platform/PrivateServer.h"
-#include "platform/Waiting.h"
 
 #include <QSettings>
 
@@ -32,41 +31,28 @@ class FileDefaultsTest : public testing::Test {
         fs::rename(path_ + ".new", path_);
     }
     [[nodiscard]] std::string content() const { return readFile(path_); }
+    void protect(mode_t file, mode_t directory) const {
+        ASSERT_EQ(chmod(path_.c_str(), file), 0);
+        ASSERT_EQ(chmod(directory_.path().c_str(), directory), 0);
+    }
+    [[nodiscard]] static std::ptrdiff_t filesIn(const std::string& directory) {
+        return std::distance(fs::directory_iterator(directory), fs::directory_iterator());
+    }
 
     TemporaryDirectory directory_;
     std::string path_ = directory_.path("skylet.conf");
 };
 
 // What root may do anyway cannot be tested as root.
-class WithoutPrivileges {
-  public:
-    WithoutPrivileges() {
-        if (getuid() == 0) {
-            dropped_ = seteuid(nobody) == 0;
-        }
-    }
-    WithoutPrivileges(const WithoutPrivileges&) = delete;
-    WithoutPrivileges& operator=(const WithoutPrivileges&) = delete;
-    ~WithoutPrivileges() {
-        if (dropped_ && seteuid(0) != 0) {
-            std::abort();
-        }
-    }
-
-  private:
-    static constexpr uid_t nobody = 65534;
-    bool dropped_ = false;
-};
+void asPlainUser(const std::function<void()>& work) {
+    constexpr uid_t nobody = 65534;
+    const bool isRoot = getuid() == 0;
+    ASSERT_TRUE(!isRoot || seteuid(nobody) == 0);
+    work();
+    ASSERT_TRUE(!isRoot || seteuid(0) == 0);
+}
 
 constexpr std::nullopt_t wrong = std::nullopt;
-
-// What each read finds; nothing where the text is of a wrong type.
-struct ValueCase {
-    const char* raw;
-    std::optional<bool> asBool;
-    std::optional<std::int64_t> asInteger;
-    std::optional<double> asDouble;
-};
 
 template <class Read, class Value>
 void expectRead(const Read& read, const std::optional<Value>& expected, const char* raw) {
@@ -75,35 +61,36 @@ void expectRead(const Read& read, const std::optional<Value>& expected, const ch
 }
 
 TEST_F(FileDefaultsTest, ReadsTypesStrictly) {
-    const ValueCase cases[] = {
+    // What each read finds; nothing where the text is of a wrong type.
+    struct Case {
+        const char* raw;
+        std::optional<bool> asBool;
+        std::optional<std::int64_t> asInteger;
+        std::optional<double> asDouble;
+    };
+    std::vector<Case> cases{
         {"true", true, wrong, wrong},
         {"TRUE", true, wrong, wrong},
         {"False", false, wrong, wrong},
         {"1", true, 1, 1},
         {"0", false, 0, 0},
-        {"yes", wrong, wrong, wrong},
-        {"on", wrong, wrong, wrong},
         {"2", wrong, 2, 2},
-        {"", wrong, wrong, wrong},
         {"35.9", wrong, 35, 35.9},
         {"-35.9", wrong, -35, -35.9},
         {"1e3", wrong, 1000, 1000},
-        {"0,5", wrong, wrong, wrong},
-        {"0x10", wrong, wrong, wrong},
-        {"12 apples", wrong, wrong, wrong},
-        {"nan", wrong, wrong, wrong},
-        {"inf", wrong, wrong, wrong},
         {"9223372036854775807", wrong, 9223372036854775807, 9223372036854775807.0},
         {"9223372036854775808", wrong, wrong, 9223372036854775808.0},
         {"-1e300", wrong, wrong, -1e300},
-        {"1e999", wrong, wrong, wrong},
         {"\"1\"", true, 1, 1},
         {" 7  ", wrong, 7, 7},
         {"7 ; seven", wrong, 7, 7},
     };
+    for (const char* raw : {"yes", "on", "", "0,5", "0x10", "12 apples", "nan", "inf", "1e999"}) {
+        cases.push_back({raw, wrong, wrong, wrong});
+    }
     // Numbers are written the same in every language.
     std::setlocale(LC_NUMERIC, "de_DE.UTF-8"); // NOLINT: one thread here
-    for (const ValueCase& one : cases) {
+    for (const auto& one : cases) {
         write(std::string("[General]\nkey=") + one.raw + "\n");
         const FileDefaults defaults(path_);
         expectRead(defaults.readBool("key"), one.asBool, one.raw);
@@ -123,33 +110,28 @@ TEST_F(FileDefaultsTest, FindsKeysOfTheUngroupedGroupOnly) {
     EXPECT_EQ(defaults.readInteger("KEY").value, 7);
 }
 
-struct EditCase {
-    const char* before;
-    const char* after; // key removed "gone", key set to "true"
-};
-
 TEST_F(FileDefaultsTest, ChangesOnlyTheLineOfTheKey) {
-    const EditCase cases[] = {
-        {"", "[General]\nkey=true\n"},
-        {"[General]\n", "[General]\nkey=true\n"},
-        {"# mine\n[General]\nother = 1 ; why\n\n[Colors]\nkey=red\n",
-         "# mine\n[General]\nother = 1 ; why\nkey=true\n\n[Colors]\nkey=red\n"},
-        {"[General]\n  key =  false   ; because\nz=1\n", "[General]\n  key =  true   ; because\nz=1\n"},
-        {"[Colors]\nkey=red", "[Colors]\nkey=red\n\n[General]\nkey=true\n"},
-        {"[General]\nz=1", "[General]\nz=1\nkey=true\n"},
-        {"[General]\r\nz=1\r\n", "[General]\r\nz=1\r\nkey=true\r\n"},
-        {"[General]\nkey=1\nkey=2\n", "[General]\nkey=1\nkey=true\n"},
-        {"[General]\ngone=5\nkey=\n[X]\ngone=1\n", "[General]\nkey=true\n[X]\ngone=1\n"},
-        {"nonsense\n[General\nkey=1\n[General]\n", "nonsense\n[General\nkey=1\n[General]\nkey=true\n"},
-    };
-    for (const EditCase& one : cases) {
-        write(one.before);
+    // Before, and with "gone" removed and "key" set to true.
+    for (const auto& [before, after] : std::vector<std::pair<const char*, const char*>>{
+             {"", "[General]\nkey=true\n"},
+             {"[General]\n", "[General]\nkey=true\n"},
+             {"# mine\n[General]\nother = 1 ; why\n\n[Colors]\nkey=red\n",
+              "# mine\n[General]\nother = 1 ; why\nkey=true\n\n[Colors]\nkey=red\n"},
+             {"[General]\n  key =  false   ; because\nz=1\n", "[General]\n  key =  true   ; because\nz=1\n"},
+             {"[Colors]\nkey=red", "[Colors]\nkey=red\n\n[General]\nkey=true\n"},
+             {"[General]\nz=1", "[General]\nz=1\nkey=true\n"},
+             {"[General]\r\nz=1\r\n", "[General]\r\nz=1\r\nkey=true\r\n"},
+             {"[General]\nkey=1\nkey=2\n", "[General]\nkey=1\nkey=true\n"},
+             {"[General]\ngone=5\nkey=\n[X]\ngone=1\n", "[General]\nkey=true\n[X]\ngone=1\n"},
+             {"nonsense\n[General\nkey=1\n[General]\n",
+              "nonsense\n[General\nkey=1\n[General]\nkey=true\n"}}) {
+        write(before);
         FileDefaults defaults(path_);
         defaults.remove("gone");
         defaults.setBool("key", true);
-        EXPECT_EQ(content(), one.after) << one.before;
-        EXPECT_TRUE(defaults.readBool("key").value) << one.before;
-        EXPECT_EQ(defaults.readBool("gone").status, DefaultsStatus::absent) << one.before;
+        EXPECT_EQ(content(), after) << before;
+        EXPECT_TRUE(defaults.readBool("key").value) << before;
+        EXPECT_EQ(defaults.readBool("gone").status, DefaultsStatus::absent) << before;
     }
 }
 
@@ -164,10 +146,9 @@ TEST_F(FileDefaultsTest, KeepsTextsWholeAndReadableByQt) {
         "perch\xC3\xA9 \xF0\x9F\x93\x8C",
         "[General]",
     };
-    int number = 0;
     for (const std::string& text : texts) {
         // Qt takes a file for unchanged that has the same size and the same millisecond.
-        const std::string path = path_ + std::to_string(++number);
+        const std::string path = path_ + std::to_string(&text - texts);
         FileDefaults defaults(path);
         defaults.setData("text", text);
         EXPECT_EQ(defaults.readText("text").value, text);
@@ -189,7 +170,7 @@ TEST_F(FileDefaultsTest, StoresNumbersExactly) {
         EXPECT_EQ(FileDefaults(path_).readDouble("double").value, number);
     }
     defaults.setInteger("integer", 0x140000);
-    EXPECT_EQ(content().find("integer=1310720\n") != std::string::npos, true);
+    EXPECT_NE(content().find("integer=1310720\n"), std::string::npos);
 }
 
 TEST_F(FileDefaultsTest, SeesEveryEditAtTheNextRead) {
@@ -206,27 +187,14 @@ TEST_F(FileDefaultsTest, SeesEveryEditAtTheNextRead) {
     EXPECT_EQ(defaults.readInteger("key").status, DefaultsStatus::absent);
 }
 
-TEST_F(FileDefaultsTest, WritesOverTheFileAsItIsNow) {
-    write("[General]\nkey=1\n");
-    FileDefaults defaults(path_);
-    replace("[General]\nkey=1\nmeanwhile=2\n");
-    defaults.setInteger("key", 3);
-    EXPECT_EQ(content(), "[General]\nkey=3\nmeanwhile=2\n");
-}
-
 TEST_F(FileDefaultsTest, MakesFileAndDirectoryForTheUserOnly) {
     const std::string path = directory_.path("new/Skylet/skylet.conf");
     FileDefaults defaults(path);
     EXPECT_FALSE(fs::exists(directory_.path("new")));
     defaults.setBool("key", true);
-    struct stat status {};
-    ASSERT_EQ(stat(path.c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777U, 0600U);
-    ASSERT_EQ(stat(directory_.path("new/Skylet").c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777U, 0700U);
-    // Nothing is left beside it.
-    EXPECT_EQ(std::distance(fs::directory_iterator(directory_.path("new/Skylet")), fs::directory_iterator()),
-              1);
+    EXPECT_EQ(fs::status(path).permissions(), fs::perms(0600));
+    EXPECT_EQ(fs::status(directory_.path("new/Skylet")).permissions(), fs::perms(0700));
+    EXPECT_EQ(filesIn(directory_.path("new/Skylet")), 1) << "something is left beside it";
 }
 
 TEST_F(FileDefaultsTest, FollowsSymbolicLinks) {
@@ -243,7 +211,7 @@ TEST_F(FileDefaultsTest, FollowsSymbolicLinks) {
 TEST_F(FileDefaultsTest, KeepsDamagedFilesAside) {
     const std::string damages[] = {std::string("[General]\nkey=1\n\0", 17), "[General]\nkey=\xFF\n",
                                    "[General]\nkey=1\n" + std::string(std::size_t{1024} * 1024, '#')};
-    int count = 0;
+    std::string suffix = ".damaged";
     for (const std::string& bytes : damages) {
         write(bytes);
         FileDefaults defaults(path_);
@@ -251,64 +219,55 @@ TEST_F(FileDefaultsTest, KeepsDamagedFilesAside) {
         EXPECT_EQ(content(), bytes) << "reading changed it";
         defaults.setInteger("key", 7);
         EXPECT_EQ(content(), "[General]\nkey=7\n");
-        EXPECT_EQ(readFile(path_ + ".damaged" + (count == 0 ? "" : "-" + std::to_string(count))), bytes);
-        ++count;
+        EXPECT_EQ(readFile(path_ + suffix), bytes);
+        suffix = ".damaged-" + std::to_string(&bytes - damages + 1);
     }
     fs::remove(path_);
     fs::create_directory(path_);
-    FileDefaults defaults(path_);
-    defaults.setInteger("key", 8);
+    FileDefaults(path_).setInteger("key", 8);
     EXPECT_EQ(content(), "[General]\nkey=8\n");
     EXPECT_TRUE(fs::is_directory(path_ + ".damaged-3"));
 }
 
-struct ProtectionCase {
-    const char* name;
-    mode_t file;
-    mode_t directory;
-    bool readable;
-};
-
 TEST_F(FileDefaultsTest, LeavesProtectedFilesAlone) {
-    for (const ProtectionCase& one : {ProtectionCase{"read-only file", 0444, 0777, true},
-                                      ProtectionCase{"read-only directory", 0666, 0555, true},
-                                      ProtectionCase{"unreadable file", 0000, 0777, false}}) {
+    const struct {
+        const char* name;
+        mode_t file;
+        mode_t directory;
+        DefaultsStatus found;
+    } cases[] = {{"read-only file", 0444, 0777, DefaultsStatus::value},
+                 {"read-only directory", 0666, 0555, DefaultsStatus::value},
+                 {"unreadable file", 0000, 0777, DefaultsStatus::absent}};
+    for (const auto& one : cases) {
+        SCOPED_TRACE(one.name);
         const std::string bytes = "[General]\nkey=1\n";
         write(bytes);
-        ASSERT_EQ(chmod(path_.c_str(), one.file), 0);
-        ASSERT_EQ(chmod(directory_.path().c_str(), one.directory), 0);
-        {
-            const WithoutPrivileges plainUser;
+        protect(one.file, one.directory);
+        asPlainUser([&] {
             FileDefaults defaults(path_);
-            EXPECT_EQ(defaults.readInteger("key").status,
-                      one.readable ? DefaultsStatus::value : DefaultsStatus::absent)
-                << one.name;
+            EXPECT_EQ(defaults.readInteger("key").status, one.found);
             defaults.setInteger("key", 2);
             defaults.setInteger("more", 3);
-            EXPECT_EQ(defaults.readInteger("key").value, 2) << one.name;
-            EXPECT_EQ(defaults.readInteger("more").value, 3) << one.name;
-            EXPECT_NE(FileDefaults(path_).readInteger("key").value, 2) << one.name;
-        }
-        ASSERT_EQ(chmod(directory_.path().c_str(), 0777), 0);
-        ASSERT_EQ(chmod(path_.c_str(), 0666), 0);
-        EXPECT_EQ(content(), bytes) << one.name;
-        EXPECT_EQ(std::distance(fs::directory_iterator(directory_.path()), fs::directory_iterator()), 1)
-            << one.name;
+            EXPECT_EQ(defaults.readInteger("key").value, 2);
+            EXPECT_EQ(defaults.readInteger("more").value, 3);
+            EXPECT_NE(FileDefaults(path_).readInteger("key").value, 2);
+        });
+        protect(0666, 0777);
+        EXPECT_EQ(content(), bytes);
+        EXPECT_EQ(filesIn(directory_.path()), 1);
     }
 }
 
 TEST_F(FileDefaultsTest, StoresLaterWhatCouldNotBeStored) {
     write("[General]\n");
-    ASSERT_EQ(chmod(directory_.path().c_str(), 0555), 0);
-    const std::string open = directory_.path();
+    protect(0666, 0555);
     std::unique_ptr<FileDefaults> defaults;
-    {
-        const WithoutPrivileges plainUser;
+    asPlainUser([&] {
         defaults = std::make_unique<FileDefaults>(path_);
         defaults->setInteger("kept", 1);
         defaults->setInteger("edited", 1);
-    }
-    ASSERT_EQ(chmod(open.c_str(), 0777), 0);
+    });
+    protect(0666, 0777);
     write("[General]\nedited=2\n");
     EXPECT_EQ(defaults->readInteger("edited").value, 2) << "the user's edit is the newer word";
     defaults->setInteger("new", 3);
@@ -333,7 +292,6 @@ TEST_F(FileDefaultsTest, TellsOfChangesOnce) {
     EXPECT_TRUE(eventually([&] { return notices >= 3 && defaults.readInteger("key").value == 5; }));
 
     // A change that changes no value, then one that does: only the second is told.
-    EXPECT_TRUE(eventually([&] { return defaults.readInteger("key").value == 5; }));
     QCoreApplication::processEvents();
     notices = 0;
     replace("# a comment\n[General]\nkey=5\n");
@@ -362,14 +320,12 @@ TEST_F(FileDefaultsTest, ReadsFromManyThreadsWhileItIsWritten) {
     defaults.setInteger("key", 0);
     std::atomic<bool> done{false};
     std::atomic<int> wrongReads{0};
-    std::array<std::thread, 3> readers;
-    for (std::thread& reader : readers) {
-        reader = std::thread([&] {
-            while (!done) {
-                wrongReads += defaults.readInteger("key").status != DefaultsStatus::value ? 1 : 0;
-            }
-        });
-    }
+    const auto read = [&] {
+        while (!done) {
+            wrongReads += defaults.readInteger("key").status != DefaultsStatus::value ? 1 : 0;
+        }
+    };
+    std::array<std::thread, 3> readers{std::thread(read), std::thread(read), std::thread(read)};
     for (int i = 0; i < 30; ++i) {
         defaults.setInteger("key", i);
     }

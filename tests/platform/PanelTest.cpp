@@ -18,34 +18,25 @@ using namespace platform::x11;
 
 class PanelTest : public ServerTest {
   protected:
-    PanelTest()
-        : formats_(connection())
-        , layout_(connection())
-        , modifiers_(connection())
-        , stack_(connection(), layout_, queue_)
-        , factory_({connection(), formats_, layout_, modifiers_, stack_, queue_}) {
-        window_ = mapped({50, 50, 300, 200});
-    }
     ~PanelTest() override {
         panels_.clear();
         queue_.discard();
     }
 
-    Panel& makePanel(Rect rootRect, std::uint32_t behavior = 0) {
-        PanelConfiguration configuration;
-        configuration.collectionBehavior = behavior;
-        panels_.push_back(factory_.makePanel(layout_.flipped(rootRect), configuration));
+    Panel& makePanel(Rect rootRect) {
+        panels_.push_back(factory_.makePanel(layout_.flipped(rootRect), {}));
         panels_.back()->setEventHandler([this](const InputEvent& event) { events_.push_back(event); });
         dispatch();
         return *panels_.back();
     }
-    [[nodiscard]] xcb_window_t mapped(xcb_rectangle_t place, bool overrideRedirect = false) {
-        const xcb_window_t window = other_.createWindow(place, XCB_WINDOW_NONE, overrideRedirect);
-        other_.map(window);
-        other_.raise(window);
-        return window;
+    // Shown at the front, and the only one there.
+    Panel& showPanel(Rect rootRect) {
+        Panel& panel = makePanel(rootRect);
+        panel.orderFrontRegardless();
+        EXPECT_TRUE(eventually([&] { return panelsShown() == 1; }));
+        return panel;
     }
-    // The mapped children of the root, back to front; our panels as "0", "1" by their age.
+    // The mapped children of the root, back to front.
     [[nodiscard]] std::vector<xcb_window_t> stacking() {
         auto tree = connection().ask<xcb_query_tree, xcb_query_tree_reply>(connection().root());
         const xcb_window_t* first = xcb_query_tree_children(tree.get());
@@ -62,16 +53,14 @@ class PanelTest : public ServerTest {
     }
     [[nodiscard]] bool isOwn(xcb_window_t window) const { return connection().isOwnResource(window); }
     [[nodiscard]] int panelsShown() {
-        const auto windows = stacking();
-        return static_cast<int>(
-            std::count_if(windows.begin(), windows.end(), [&](auto one) { return isOwn(one); }));
+        return static_cast<int>(std::ranges::count_if(stacking(), [&](auto one) { return isOwn(one); }));
     }
     // Waits until the foreign windows and "ours" (0) lie like this.
     [[nodiscard]] bool liesLike(const std::vector<xcb_window_t>& expected) {
         return eventually([&] {
             auto windows = stacking();
-            std::replace_if(
-                windows.begin(), windows.end(), [&](auto one) { return isOwn(one); }, 0U);
+            std::ranges::replace_if(
+                windows, [&](auto one) { return isOwn(one); }, 0U);
             return windows == expected;
         });
     }
@@ -85,20 +74,21 @@ class PanelTest : public ServerTest {
                             XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
         other_.sync();
     }
+    void click(std::uint8_t number) {
+        button(number, true);
+        button(number, false);
+    }
     [[nodiscard]] bool saw(EventType type) {
-        return eventually([&] {
-            return std::any_of(events_.begin(), events_.end(),
-                               [&](const auto& event) { return event.type == type; });
-        });
+        return eventually([&] { return std::ranges::count(events_, type, &InputEvent::type) > 0; });
     }
 
     qt::QtMainQueue queue_;
-    RenderFormats formats_;
-    ScreenLayout layout_;
-    ModifierMap modifiers_;
-    PanelStack stack_;
-    X11PanelFactory factory_;
-    xcb_window_t window_ = XCB_WINDOW_NONE;
+    RenderFormats formats_{connection()};
+    ScreenLayout layout_{connection()};
+    ModifierMap modifiers_{connection()};
+    PanelStack stack_{connection(), layout_, queue_};
+    X11PanelFactory factory_{{connection(), formats_, layout_, modifiers_, stack_, queue_}};
+    const xcb_window_t window_ = other_.show({50, 50, 300, 200});
     std::vector<std::unique_ptr<Panel>> panels_;
     std::vector<InputEvent> events_;
 };
@@ -106,9 +96,9 @@ class PanelTest : public ServerTest {
 TEST_F(PanelTest, LiesAboveManagedWindowsAndBelowMenus) {
     makePanel({100, 100, 200, 100}).orderFrontRegardless();
     EXPECT_TRUE(liesLike({window_, 0}));
-    const xcb_window_t second = mapped({150, 120, 300, 200});
+    const xcb_window_t second = other_.show({150, 120, 300, 200});
     EXPECT_TRUE(liesLike({window_, second, 0}));
-    const xcb_window_t menu = mapped({160, 130, 50, 50}, true);
+    const xcb_window_t menu = other_.show({160, 130, 50, 50}, true);
     EXPECT_TRUE(liesLike({window_, second, 0, menu}));
     other_.raise(window_);
     EXPECT_TRUE(liesLike({second, menu, window_, 0}) || liesLike({second, window_, 0, menu}));
@@ -129,19 +119,16 @@ TEST_F(PanelTest, SeveralPanelsKeepTheirOrderAndTheOneInUseComesUp) {
     dispatch();
     EXPECT_EQ(stacking(), before) << "reasserting the front moves nothing";
     pointer(110, 110);
-    button(1, true);
-    button(1, false);
+    click(1);
     EXPECT_TRUE(eventually([&] { return stacking() == std::vector{before[0], before[2], before[1]}; }));
 }
 
 TEST_F(PanelTest, NothingShowsOverWhatCoversAMonitor) {
-    Panel& panel = makePanel({100, 100, 200, 100});
-    panel.orderFrontRegardless();
-    ASSERT_TRUE(eventually([&] { return panelsShown() == 1; }));
-    const xcb_window_t almost = mapped({0, 0, 800, 599}, true);
+    Panel& panel = showPanel({100, 100, 200, 100});
+    const xcb_window_t almost = other_.show({0, 0, 800, 599}, true);
     dispatch();
     EXPECT_EQ(panelsShown(), 1);
-    const xcb_window_t rest = mapped({0, 590, 800, 10}, true);
+    const xcb_window_t rest = other_.show({0, 590, 800, 10}, true);
     EXPECT_TRUE(eventually([&] { return panelsShown() == 0; })) << "two windows cover it together";
     EXPECT_TRUE(panel.isVisible());
     makePanel({200, 200, 100, 100}).orderFrontRegardless();
@@ -157,93 +144,69 @@ TEST_F(PanelTest, NothingShowsOverWhatCoversAMonitor) {
     dispatch();
     EXPECT_EQ(panelsShown(), 2);
     // A managed full-screen window is no locker.
-    (void)mapped({0, 0, 800, 600});
+    (void)other_.show({0, 0, 800, 600});
     dispatch();
     EXPECT_EQ(panelsShown(), 2);
-}
-
-TEST_F(PanelTest, ShowsOnItsOwnDesktopOrOnAll) {
-    other_.pretendToManage();
-    const auto goTo = [this](std::uint32_t desktop) {
-        other_.setItems(other_.root(), "_NET_CURRENT_DESKTOP", XCB_ATOM_CARDINAL, {desktop});
-    };
-    goTo(2);
-    Panel& here = makePanel({100, 100, 200, 100});
-    here.orderFrontRegardless();
-    Panel& everywhere = makePanel({100, 300, 200, 100}, CollectionBehavior::canJoinAllSpaces);
-    everywhere.orderFrontRegardless();
-    EXPECT_TRUE(eventually([&] { return panelsShown() == 2; }));
-    goTo(0);
-    EXPECT_TRUE(eventually([&] { return panelsShown() == 1; }));
-    everywhere.setCollectionBehavior(0);
-    EXPECT_TRUE(eventually([&] { return panelsShown() == 0; }));
-    goTo(2);
-    EXPECT_TRUE(eventually([&] { return panelsShown() == 2; }));
 }
 
 TEST_F(PanelTest, BehindShowsOnlyWhereNoWindowIs) {
     Panel& panel = makePanel({300, 100, 200, 100});
     panel.orderBack();
     const auto shape = [this] {
-        std::vector<xcb_rectangle_t> rects;
-        for (const xcb_window_t window : stacking()) {
-            if (isOwn(window)) {
-                auto reply = connection().ask<xcb_shape_get_rectangles, xcb_shape_get_rectangles_reply>(
-                    window, xcb_shape_kind_t{XCB_SHAPE_SK_BOUNDING});
-                const auto* first = xcb_shape_get_rectangles_rectangles(reply.get());
-                rects.assign(first, first + xcb_shape_get_rectangles_rectangles_length(reply.get()));
+        std::vector<Rect> rects;
+        const auto windows = stacking();
+        const auto own = std::ranges::find_if(windows, [&](auto one) { return isOwn(one); });
+        if (own != windows.end()) {
+            auto reply = connection().ask<xcb_shape_get_rectangles, xcb_shape_get_rectangles_reply>(
+                *own, xcb_shape_kind_t{XCB_SHAPE_SK_BOUNDING});
+            const auto* first = xcb_shape_get_rectangles_rectangles(reply.get());
+            for (int i = 0; i < xcb_shape_get_rectangles_rectangles_length(reply.get()); ++i) {
+                rects.push_back(
+                    {1.0 * first[i].x, 1.0 * first[i].y, 1.0 * first[i].width, 1.0 * first[i].height});
             }
         }
         return rects;
     };
     // The window reaches to x = 350: fifty of the panel's two hundred columns are under it.
-    EXPECT_TRUE(eventually([&] {
-        const auto rects = shape();
-        return rects.size() == 1 && rects[0].x == 50 && rects[0].width == 150 && rects[0].height == 100;
-    }));
+    EXPECT_TRUE(eventually([&] { return shape() == std::vector{Rect{50, 0, 150, 100}}; }));
     const std::uint32_t away[] = {500, 400};
     xcb_configure_window(other_.raw(), window_, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, away);
     other_.sync();
-    EXPECT_TRUE(eventually([&] {
-        const auto rects = shape();
-        return rects.size() == 1 && rects[0].x == 0 && rects[0].width == 200;
-    }));
-    (void)mapped({0, 0, 800, 600});
+    EXPECT_TRUE(eventually([&] { return shape() == std::vector{Rect{0, 0, 200, 100}}; }));
+    (void)other_.show({0, 0, 800, 600});
     EXPECT_TRUE(eventually([&] { return shape().empty(); }));
     panel.orderFrontRegardless();
     EXPECT_TRUE(eventually([&] { return shape().size() == 1; }));
 }
 
-TEST_F(PanelTest, GivesEventsInTheirOwnTerms) {
-    makePanel({400, 300, 200, 100}).orderFrontRegardless();
-    ASSERT_TRUE(eventually([&] { return panelsShown() == 1; }));
+TEST_F(PanelTest, GivesEventsInTheirOwnTermsAndNeverTakesTheFocus) {
+    other_.focus(window_);
+    showPanel({400, 300, 200, 100});
     pointer(410, 310);
     EXPECT_TRUE(saw(EventType::mouseEntered));
-    struct Case {
+    struct {
         std::uint8_t xButton;
         EventType down;
         EventType up;
         int number;
-    };
-    for (const Case& c : std::vector<Case>{{1, EventType::leftMouseDown, EventType::leftMouseUp, 0},
-                                           {3, EventType::rightMouseDown, EventType::rightMouseUp, 1},
-                                           {2, EventType::otherMouseDown, EventType::otherMouseUp, 2},
-                                           {8, EventType::otherMouseDown, EventType::otherMouseUp, 3}}) {
+    } const cases[] = {{1, EventType::leftMouseDown, EventType::leftMouseUp, 0},
+                       {3, EventType::rightMouseDown, EventType::rightMouseUp, 1},
+                       {2, EventType::otherMouseDown, EventType::otherMouseUp, 2},
+                       {8, EventType::otherMouseDown, EventType::otherMouseUp, 3}};
+    for (const auto& c : cases) {
         events_.clear();
-        button(c.xButton, true);
-        button(c.xButton, false);
+        click(c.xButton);
         ASSERT_TRUE(saw(c.up)) << int(c.xButton);
         EXPECT_EQ(events_[0].type, c.down);
         EXPECT_EQ(events_[0].buttonNumber, c.number);
-        EXPECT_EQ(events_[0].clickCount, 1);
         EXPECT_EQ(events_[0].locationInWindow, (Point{10, 90}));
         EXPECT_EQ(events_[0].locationOnScreen, (Point{410, 290}));
+        EXPECT_EQ(events_[0].clickCount, 1);
         EXPECT_EQ(events_[1].clickCount, 1);
     }
     events_.clear();
     for (int i = 0; i < 3; ++i) {
-        button(1, true);
-        button(1, false);
+        click(1);
     }
     ASSERT_TRUE(eventually([&] { return events_.size() == 6; }));
     EXPECT_EQ(events_[2].clickCount, 2);
@@ -252,41 +215,18 @@ TEST_F(PanelTest, GivesEventsInTheirOwnTerms) {
     for (const auto& [number, x, y] : std::vector<std::tuple<std::uint8_t, double, double>>{
              {4, 0, 1}, {5, 0, -1}, {6, 1, 0}, {7, -1, 0}}) {
         events_.clear();
-        button(number, true);
-        button(number, false);
+        click(number);
         ASSERT_TRUE(saw(EventType::scrollWheel));
         EXPECT_EQ(events_.size(), 1U);
         EXPECT_EQ(events_[0].scrollingDeltaX, x);
         EXPECT_EQ(events_[0].scrollingDeltaY, y);
     }
+    auto focus = connection().ask<xcb_get_input_focus, xcb_get_input_focus_reply>();
+    EXPECT_EQ(focus->focus, window_);
 }
 
-TEST_F(PanelTest, WindowDragsAndTrackingTakeTheEvents) {
-    Panel& panel = makePanel({400, 300, 200, 100});
-    panel.orderFrontRegardless();
-    ASSERT_TRUE(eventually([&] { return panelsShown() == 1; }));
-    bool done = false;
-    panel.setEventHandler([&](const InputEvent& event) {
-        events_.push_back(event);
-        if (event.type == EventType::leftMouseDown) {
-            panel.performWindowDrag(event, [&] { done = true; });
-        }
-    });
-    pointer(410, 310);
-    button(1, true);
-    ASSERT_TRUE(saw(EventType::leftMouseDown));
-    pointer(300, 250);
-    EXPECT_TRUE(eventually([&] { return panel.frame() == Rect{290, 600 - 240 - 100, 200, 100}; }));
-    dispatch(); // the server has moved the window too
-    EXPECT_FALSE(done);
-    button(1, false);
-    ASSERT_TRUE(saw(EventType::leftMouseUp));
-    EXPECT_TRUE(done);
-    EXPECT_TRUE(std::none_of(events_.begin(), events_.end(),
-                             [](const auto& event) { return event.type == EventType::leftMouseDragged; }));
-
-    dispatch();
-    // Ordered out in the middle of a tracked drag: the tracker is told that nothing more comes.
+TEST_F(PanelTest, ATrackedDragIsToldThatItsPanelGoes) {
+    Panel& panel = showPanel({400, 300, 200, 100});
     std::vector<std::optional<InputEvent>> tracked;
     panel.setEventHandler([&](const InputEvent& event) {
         if (event.type == EventType::leftMouseDown) {
@@ -297,26 +237,14 @@ TEST_F(PanelTest, WindowDragsAndTrackingTakeTheEvents) {
                               });
         }
     });
+    pointer(410, 310);
     button(1, true);
-    pointer(310, 260);
+    pointer(420, 320);
     EXPECT_TRUE(eventually([&] { return !tracked.empty(); }));
     panel.orderOut();
     ASSERT_FALSE(tracked.empty());
     EXPECT_FALSE(tracked.back().has_value());
     button(1, false);
-}
-
-TEST_F(PanelTest, NeverTakesTheFocus) {
-    other_.focus(window_);
-    Panel& panel = makePanel({400, 300, 200, 100});
-    panel.orderFrontRegardless();
-    ASSERT_TRUE(eventually([&] { return panelsShown() == 1; }));
-    pointer(410, 310);
-    button(1, true);
-    button(1, false);
-    ASSERT_TRUE(saw(EventType::leftMouseUp));
-    auto focus = connection().ask<xcb_get_input_focus, xcb_get_input_focus_reply>();
-    EXPECT_EQ(focus->focus, window_);
 }
 
 } // namespace

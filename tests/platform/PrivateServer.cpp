@@ -1,6 +1,7 @@
 #include "platform/PrivateServer.h"
 
-#include <cstdlib>
+#include <QDBusPendingCall>
+
 #include <fstream>
 #include <iterator>
 #include <utility>
@@ -9,49 +10,70 @@ namespace skylet::test {
 
 namespace {
 
-// A server must not outlive a test that crashes.
-std::vector<std::string> boundToTest(std::vector<std::string> command) {
-    command.insert(command.begin(), {"setpriv", "--pdeathsig", "TERM"});
+std::vector<std::string> serverCommand(const std::vector<std::string>& more) {
+    std::vector<std::string> command{"Xvfb",       "-displayfd", "1",   "-screen", "0",
+                                     "800x600x24", "-nolisten",  "tcp", "-noreset"};
+    command.insert(command.end(), more.begin(), more.end());
     return command;
 }
 
-std::vector<std::string> serverArguments(const std::vector<std::string>& more) {
-    std::vector<std::string> arguments{"Xvfb",       "-displayfd", "3",   "-screen", "0",
-                                       "800x600x24", "-nolisten",  "tcp", "-noreset"};
-    arguments.insert(arguments.end(), more.begin(), more.end());
-    return boundToTest(std::move(arguments));
+void setVariable(const std::string& name, const std::optional<std::string>& value) {
+    value ? qputenv(name.c_str(), QByteArray::fromStdString(*value)) : qunsetenv(name.c_str());
 }
 
 } // namespace
 
 Environment::Environment(std::string name, const std::optional<std::string>& value) : name_(std::move(name)) {
-    if (const char* before = std::getenv(name_.c_str())) { // NOLINT: tests set it up before threads run
-        before_ = before;
+    if (qEnvironmentVariableIsSet(name_.c_str())) {
+        before_ = qgetenv(name_.c_str()).toStdString();
     }
-    if (value) {
-        setenv(name_.c_str(), value->c_str(), 1); // NOLINT
-    } else {
-        unsetenv(name_.c_str()); // NOLINT
-    }
+    setVariable(name_, value);
 }
 
 Environment::~Environment() {
-    if (before_) {
-        setenv(name_.c_str(), before_->c_str(), 1); // NOLINT
-    } else {
-        unsetenv(name_.c_str()); // NOLINT
-    }
+    setVariable(name_, before_);
 }
 
 PrivateServer::PrivateServer(const std::vector<std::string>& arguments)
-    : process_(serverArguments(arguments))
-    , display_(":" + process_.readLine())
-    , variable_("DISPLAY", display_) {}
+    : process_(serverCommand(arguments))
+    , variable_("DISPLAY", ":" + process_.readLine()) {}
 
-PrivateBus::PrivateBus()
-    : process_(boundToTest({"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=3"}))
-    , address_(process_.readLine())
-    , variable_("DBUS_SESSION_BUS_ADDRESS", address_) {}
+PrivateBus::~PrivateBus() {
+    for (const QString& name : names_) {
+        QDBusConnection::disconnectFromBus(name);
+    }
+}
+
+QDBusConnection PrivateBus::connect() {
+    names_ << QString::number(names_.size());
+    return QDBusConnection::connectToBus(QString::fromStdString(address_), names_.back());
+}
+
+bool FakeObject::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
+    if (const auto arguments = answer_(message)) {
+        connection.send(message.createReply(*arguments));
+    }
+    return true;
+}
+
+QDBusMessage ask(const QDBusConnection& bus, const QDBusMessage& call) {
+    const QDBusPendingCall pending = bus.asyncCall(call);
+    return eventually([&] { return pending.isFinished(); }) ? pending.reply() : QDBusMessage();
+}
+
+QDBusMessage busCall(const QString& service, const QString& path, const QString& interface,
+                     const QString& method, const QVariantList& arguments) {
+    auto message = QDBusMessage::createMethodCall(service, path, interface, method);
+    message.setArguments(arguments);
+    return message;
+}
+
+void sendSignal(const QDBusConnection& bus, const QString& path, const QString& interface,
+                const QString& name, const QVariantList& arguments) {
+    auto message = QDBusMessage::createSignal(path, interface, name);
+    message.setArguments(arguments);
+    bus.send(message);
+}
 
 void writeFile(const std::string& path, const std::string& bytes) {
     std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;

@@ -7,11 +7,8 @@ namespace skylet::test {
 
 namespace {
 
-using platform::Rect;
-using platform::x11::askProperty;
-using platform::x11::askText;
-using platform::x11::items;
-using platform::x11::PendingClientGeometry;
+using namespace platform;
+using namespace platform::x11;
 
 class PropertyTest : public ServerTest {
   protected:
@@ -51,17 +48,14 @@ TEST_F(PropertyTest, TakesTextsAsTheyAre) {
     EXPECT_EQ(readText(utf8, std::string("one\0two", 7)), "one");
     EXPECT_EQ(readText(utf8, "a\xFFz"), "a\xEF\xBF\xBDz");
     EXPECT_EQ(readText(XCB_ATOM_CARDINAL, "text"), std::nullopt);
-    const auto huge = readText(
-        utf8, std::string(1, 'a') + [] {
-            std::string many;
-            for (int i = 0; i < 350000; ++i) {
-                many += "\xE2\x82\xAC"; // three bytes each
-            }
-            return many;
-        }());
+    std::string many = "a";
+    for (int i = 0; i < 350000; ++i) {
+        many += "\xE2\x82\xAC"; // three bytes each
+    }
+    const auto huge = readText(utf8, many);
     ASSERT_TRUE(huge);
-    EXPECT_LE(huge->size(), platform::x11::maximumTextBytes);
-    EXPECT_GT(huge->size(), platform::x11::maximumTextBytes - 4);
+    EXPECT_LE(huge->size(), maximumTextBytes);
+    EXPECT_GT(huge->size(), maximumTextBytes - 4);
     EXPECT_EQ(huge->substr(huge->size() - 3), "\xE2\x82\xAC") << "cut inside a character";
     other_.setItems(window_, "WM_NAME", utf8, {65, 66});
     auto numbers = askText(connection(), window_, XCB_ATOM_WM_NAME);
@@ -69,54 +63,43 @@ TEST_F(PropertyTest, TakesTextsAsTheyAre) {
 }
 
 TEST_F(PropertyTest, SplitsTheWindowClass) {
-    struct {
-        std::string bytes;
-        const char* instance;
-        const char* className;
-    } const cases[] = {
-        {std::string("a\0B\0", 4), "a", "B"},
-        {std::string("a\0B", 3), "a", "B"},
-        {"a", "a", ""},
-        {std::string("\0B\0", 3), "", "B"},
-        {"", "", ""},
-        {std::string("a\0B\0C", 5), "a", "B"},
-    };
-    for (const auto& one : cases) {
-        other_.setText(window_, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, one.bytes);
+    for (const auto& [bytes, instance, className] :
+         std::vector<std::tuple<std::string, const char*, const char*>>{
+             {std::string("a\0B\0", 4), "a", "B"},
+             {std::string("a\0B", 3), "a", "B"},
+             {"a", "a", ""},
+             {std::string("\0B\0", 3), "", "B"},
+             {"", "", ""},
+             {std::string("a\0B\0C", 5), "a", "B"}}) {
+        other_.setText(window_, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, bytes);
         auto pending = askText(connection(), window_, XCB_ATOM_WM_CLASS);
         const auto names = windowClass(pending);
         ASSERT_TRUE(names);
-        EXPECT_EQ(names->instance, one.instance);
-        EXPECT_EQ(names->className, one.className);
+        EXPECT_EQ(names->instance, instance);
+        EXPECT_EQ(names->className, className);
     }
 }
 
 TEST_F(PropertyTest, IgnoresShadowsThatCannotBe) {
     constexpr std::uint32_t minusOne = 0xFFFFFFFF;
     const Rect whole{200, 150, 100, 80};
-    struct {
-        std::vector<std::uint32_t> extents;
-        Rect bounds;
-    } const cases[] = {
-        {{26, 26, 23, 29}, {226, 173, 48, 28}},
-        {{0, 0, 0, 0}, whole},
-        {{99, 0, 0, 79}, {299, 150, 1, 1}},
-        {{50, 50, 0, 0}, whole},
-        {{0, 0, 80, 0}, whole},
-        {{minusOne, 0, 0, 0}, whole},
-        {{minusOne, 2, 0, 0}, whole},
-        {{minusOne, minusOne, minusOne, minusOne}, whole},
-        {{10, 10, 10}, whole},
-        {{10, 10, 10, 10, 10}, whole},
-    };
     const std::uint32_t place[] = {200, 150};
     xcb_configure_window(other_.raw(), window_, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, place);
-    for (const auto& one : cases) {
-        other_.setItems(window_, "_GTK_FRAME_EXTENTS", XCB_ATOM_CARDINAL, one.extents);
+    for (const auto& [extents, bounds] : std::vector<std::pair<std::vector<std::uint32_t>, Rect>>{
+             {{26, 26, 23, 29}, {226, 173, 48, 28}},
+             {{0, 0, 0, 0}, whole},
+             {{99, 0, 0, 79}, {299, 150, 1, 1}},
+             {{50, 50, 0, 0}, whole},
+             {{0, 0, 80, 0}, whole},
+             {{minusOne, 0, 0, 0}, whole},
+             {{minusOne, 2, 0, 0}, whole},
+             {{minusOne, minusOne, minusOne, minusOne}, whole},
+             {{10, 10, 10}, whole},
+             {{10, 10, 10, 10, 10}, whole}}) {
+        other_.setItems(window_, "_GTK_FRAME_EXTENTS", XCB_ATOM_CARDINAL, extents);
         const auto geometry = PendingClientGeometry(connection(), window_).read();
-        ASSERT_TRUE(geometry);
         EXPECT_EQ(geometry->client, whole);
-        EXPECT_EQ(geometry->bounds, one.bounds) << one.extents.size() << " " << one.extents[0];
+        EXPECT_EQ(geometry->bounds, bounds) << extents.size() << " " << extents[0];
     }
     other_.setText(window_, other_.atom("_GTK_FRAME_EXTENTS"), XCB_ATOM_CARDINAL, std::string(16, '\1'));
     EXPECT_EQ(PendingClientGeometry(connection(), window_).read()->bounds, whole);
@@ -125,9 +108,7 @@ TEST_F(PropertyTest, IgnoresShadowsThatCannotBe) {
 TEST_F(PropertyTest, FindsClientsInsideFrames) {
     const xcb_window_t frame = other_.createWindow({-30, 40, 300, 200});
     const xcb_window_t client = other_.createWindow({5, 20, 290, 175}, frame);
-    const auto geometry = PendingClientGeometry(connection(), client).read();
-    ASSERT_TRUE(geometry);
-    EXPECT_EQ(geometry->client, (Rect{-25, 60, 290, 175}));
+    EXPECT_EQ(PendingClientGeometry(connection(), client).read()->client, (Rect{-25, 60, 290, 175}));
     other_.destroy(frame);
     EXPECT_FALSE(PendingClientGeometry(connection(), client).read());
 }

@@ -5,31 +5,20 @@
 
 #include <xcb/xcb.h>
 
-#include <string>
+#include <cstdlib>
 
 namespace skylet::test {
 
-class Puppet {
+class Puppet : public ChildProcess {
   public:
-    struct Look {
-        std::string windowClass = "puppet";
-        std::int16_t x = 0;
-        std::int16_t y = 0;
-        std::uint16_t width = 100;
-        std::uint16_t height = 80;
-    };
-    explicit Puppet(const Look& look);
+    explicit Puppet(const std::string& windowClass = "puppet")
+        : ChildProcess({"/proc/self/exe", "--puppet", windowClass})
+        , window_(static_cast<xcb_window_t>(std::strtoul(readLine().c_str(), nullptr, 10))) {}
 
-    [[nodiscard]] pid_t pid() const { return process_.pid(); }
     [[nodiscard]] xcb_window_t window() const { return window_; }
-    void end() { process_.end(); }
 
   private:
-    ChildProcess process_;
     xcb_window_t window_;
 };
-
-// What the started program does: the arguments behind "--puppet".
-[[nodiscard]] int runPuppet(int argc, char** argv);
 
 } // namespace skylet::test

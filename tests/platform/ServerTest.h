@@ -3,7 +3,6 @@
 
 #include "platform/PrivateServer.h"
 #include "platform/TestClient.h"
-#include "platform/Waiting.h"
 #include "platform/x11/Connection.h"
 
 #include <cstdlib>

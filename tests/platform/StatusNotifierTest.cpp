@@ -1,5 +1,4 @@
 #include "platform/PrivateServer.h"
-#include "platform/Waiting.h"
 #include "platform/qt/DBusProperties.h"
 #include "platform/qt/DBusSignal.h"
 #include "platform/qt/QtMainQueue.h"
@@ -8,85 +7,34 @@
 #include "platform/qt/StatusNotifierWatcher.h"
 
 #include <QDBusConnectionInterface>
-#include <QDBusMessage>
 #include <QDBusObjectPath>
-#include <QDBusPendingCall>
-#include <QDBusVirtualObject>
 
 #include <gtest/gtest.h>
 #include <memory>
-#include <string>
 
 namespace skylet::test {
 
 namespace {
 
-using platform::qt::StatusNotifierItem;
-using platform::qt::StatusNotifierPicture;
-using platform::qt::StatusNotifierWatcher;
+using namespace Qt::StringLiterals;
+using namespace platform::qt;
 using State = StatusNotifierWatcher::State;
 
-const auto watcherName = QStringLiteral("org.kde.StatusNotifierWatcher");
-const auto watcherPath = QStringLiteral("/StatusNotifierWatcher");
-const auto itemInterface = QStringLiteral("org.kde.StatusNotifierItem");
-
-// The watcher of a panel.
-class FakeWatcher : public QDBusVirtualObject {
-  public:
-    explicit FakeWatcher(const QDBusConnection& bus) : bus_(bus) {
-        bus_.registerVirtualObject(watcherPath, this);
-        bus_.registerService(watcherName);
-    }
-    FakeWatcher(const FakeWatcher&) = delete;
-    FakeWatcher& operator=(const FakeWatcher&) = delete;
-    ~FakeWatcher() override {
-        bus_.unregisterService(watcherName);
-        bus_.unregisterObject(watcherPath);
-    }
-
-    bool host = true;
-    QStringList items; // as they registered
-
-    void announce(const QString& signal) {
-        bus_.send(QDBusMessage::createSignal(watcherPath, watcherName, signal));
-    }
-    [[nodiscard]] QString introspect(const QString& /*path*/) const override { return {}; }
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
-        QVariantList reply;
-        if (message.member() == QStringLiteral("RegisterStatusNotifierItem")) {
-            items << message.arguments().value(0).toString();
-        } else {
-            reply = platform::qt::answerProperties(message, watcherName,
-                                                   {{QStringLiteral("IsStatusNotifierHostRegistered"), host}})
-                        .value_or(QVariantList());
-        }
-        connection.send(message.createReply(reply));
-        return true;
-    }
-
-  private:
-    QDBusConnection bus_;
-};
+const auto watcherName = u"org.kde.StatusNotifierWatcher"_s;
+const auto watcherPath = u"/StatusNotifierWatcher"_s;
+const auto itemPath = u"/StatusNotifierItem"_s;
+const auto itemInterface = u"org.kde.StatusNotifierItem"_s;
 
 class StatusNotifierTest : public testing::Test {
   protected:
-    StatusNotifierTest() : ours_(connect(QStringLiteral("ours"))), panel_(connect(QStringLiteral("panel"))) {}
-    ~StatusNotifierTest() override {
-        QDBusConnection::disconnectFromBus(QStringLiteral("ours"));
-        QDBusConnection::disconnectFromBus(QStringLiteral("panel"));
-    }
-    // The name is asked for without waiting.
-    [[nodiscard]] bool isNamed(const StatusNotifierItem& item) const {
-        return eventually([&] { return panel_.interface()->isServiceRegistered(item.service()).value(); });
-    }
-    [[nodiscard]] QDBusConnection connect(const QString& name) const {
-        return QDBusConnection::connectToBus(QString::fromStdString(bus_.address()), name);
+    [[nodiscard]] bool isNamed(const QString& service) const {
+        return panel_.interface()->isServiceRegistered(service).value();
     }
 
     PrivateBus bus_;
-    platform::qt::QtMainQueue mainQueue_;
-    QDBusConnection ours_;
-    QDBusConnection panel_;
+    QtMainQueue mainQueue_;
+    QDBusConnection ours_ = bus_.connect();
+    QDBusConnection panel_ = bus_.connect();
 };
 
 TEST_F(StatusNotifierTest, FollowsHostsThatComeAndGo) {
@@ -99,42 +47,55 @@ TEST_F(StatusNotifierTest, FollowsHostsThatComeAndGo) {
     EXPECT_TRUE(becomes(State::noHost)) << "no watcher";
     EXPECT_EQ(changes, 1);
 
-    auto panel = std::make_unique<FakeWatcher>(panel_);
+    // A panel with a watcher.
+    bool host = true;
+    QStringList items;
+    FakeObject object([&](const QDBusMessage& message) {
+        if (message.member() == u"RegisterStatusNotifierItem"_s) {
+            items << message.arguments().value(0).toString();
+        }
+        return answerProperties(message, watcherName, {{u"IsStatusNotifierHostRegistered"_s, host}})
+            .value_or(QVariantList());
+    });
+    panel_.registerVirtualObject(watcherPath, &object);
+    panel_.registerService(watcherName);
     EXPECT_TRUE(becomes(State::host));
-    panel->host = false;
-    panel->announce(QStringLiteral("StatusNotifierHostUnregistered"));
+    const auto announce = [&](bool hostIsThere) {
+        host = hostIsThere;
+        sendSignal(panel_, watcherPath, watcherName,
+                   host ? u"StatusNotifierHostRegistered"_s : u"StatusNotifierHostUnregistered"_s);
+    };
+    announce(false);
     EXPECT_TRUE(becomes(State::noHost));
-    panel->host = true;
-    panel->announce(QStringLiteral("StatusNotifierHostRegistered"));
+    announce(true);
     EXPECT_TRUE(becomes(State::host));
     // The watcher stays, its host is replaced: items have to be announced again.
     const int before = changes;
-    panel->announce(QStringLiteral("StatusNotifierHostRegistered"));
+    announce(true);
     EXPECT_TRUE(eventually([&] { return changes > before; }));
-    panel.reset();
+    panel_.unregisterService(watcherName);
     EXPECT_TRUE(becomes(State::noHost));
-    panel = std::make_unique<FakeWatcher>(panel_);
+    panel_.registerService(watcherName);
     EXPECT_TRUE(becomes(State::host));
-    watcher.registerItem(QStringLiteral("org.kde.StatusNotifierItem-1-1"));
-    EXPECT_TRUE(eventually(
-        [&] { return panel->items == QStringList{QStringLiteral("org.kde.StatusNotifierItem-1-1")}; }));
+    watcher.registerItem(u"org.kde.StatusNotifierItem-1-1"_s);
+    EXPECT_TRUE(eventually([&] { return items == QStringList{u"org.kde.StatusNotifierItem-1-1"_s}; }));
 }
 
 TEST_F(StatusNotifierTest, WithoutABusThereIsNoHost) {
-    const StatusNotifierWatcher watcher(QDBusConnection(QStringLiteral("none")), [] {});
+    const StatusNotifierWatcher watcher(QDBusConnection(u"none"_s), [] {});
     EXPECT_EQ(watcher.state(), State::noHost);
 }
 
 TEST_F(StatusNotifierTest, ItemShowsPicturesOfEverySizeAndItsToolTip) {
     auto item = std::make_unique<StatusNotifierItem>(
         ours_, mainQueue_, 3, [] { return platform::Menu(); }, [] {});
-    ASSERT_TRUE(isNamed(*item));
+    const QString service = item->service();
+    EXPECT_TRUE(service.endsWith(u"-3"_s));
+    // The name is asked for without waiting.
+    ASSERT_TRUE(eventually([&] { return isNamed(service); }));
     int redrawn = 0;
-    const platform::qt::DBusSignal signal(
-        panel_,
-        {item->service(), QStringLiteral("/StatusNotifierItem"), itemInterface, QStringLiteral("NewIcon")},
-        [&](const QDBusMessage&) { ++redrawn; });
-    EXPECT_TRUE(item->service().endsWith(QStringLiteral("-3")));
+    const DBusSignal signal(panel_, {service, itemPath, itemInterface, u"NewIcon"_s},
+                            [&](const QDBusMessage&) { ++redrawn; });
     item->setImage({.symbol = {.name = "pin.fill",
                                .accessibilityDescription = "Skylet",
                                .pointSize = 16,
@@ -143,26 +104,20 @@ TEST_F(StatusNotifierTest, ItemShowsPicturesOfEverySizeAndItsToolTip) {
                     .size = {12, 16},
                     .symbolOrigin = {}},
                    false);
-    item->setToolTip(QStringLiteral("Skylet — 2 finestre fissate"));
+    item->setToolTip(u"Skylet — 2 finestre fissate"_s);
     EXPECT_TRUE(eventually([&] { return redrawn == 1; }));
 
-    auto message = QDBusMessage::createMethodCall(item->service(), QStringLiteral("/StatusNotifierItem"),
-                                                  QStringLiteral("org.freedesktop.DBus.Properties"),
-                                                  QStringLiteral("GetAll"));
-    message << itemInterface;
-    const QDBusPendingCall pending = panel_.asyncCall(message);
-    ASSERT_TRUE(eventually([&] { return pending.isFinished(); }));
-    const auto properties =
-        qdbus_cast<QVariantMap>(pending.reply().arguments().value(0).value<QDBusArgument>());
-    EXPECT_EQ(properties.value(QStringLiteral("Title")).toString(), QStringLiteral("Skylet"));
-    EXPECT_EQ(properties.value(QStringLiteral("Menu")).value<QDBusObjectPath>().path(),
-              QStringLiteral("/MenuBar"));
-    EXPECT_TRUE(properties.value(QStringLiteral("ItemIsMenu")).toBool());
-    const auto toolTip = qdbus_cast<platform::qt::StatusNotifierToolTip>(
-        properties.value(QStringLiteral("ToolTip")).value<QDBusArgument>());
-    EXPECT_EQ(toolTip.title, QStringLiteral("Skylet — 2 finestre fissate"));
-    const auto pictures = qdbus_cast<QList<StatusNotifierPicture>>(
-        properties.value(QStringLiteral("IconPixmap")).value<QDBusArgument>());
+    const auto answer = ask(panel_, busCall(service, itemPath, u"org.freedesktop.DBus.Properties"_s,
+                                            u"GetAll"_s, {itemInterface}));
+    const auto properties = qdbus_cast<QVariantMap>(answer.arguments().value(0).value<QDBusArgument>());
+    EXPECT_EQ(properties.value(u"Title"_s).toString(), u"Skylet"_s);
+    EXPECT_EQ(properties.value(u"Menu"_s).value<QDBusObjectPath>().path(), u"/MenuBar"_s);
+    EXPECT_TRUE(properties.value(u"ItemIsMenu"_s).toBool());
+    const auto toolTip =
+        qdbus_cast<StatusNotifierToolTip>(properties.value(u"ToolTip"_s).value<QDBusArgument>());
+    EXPECT_EQ(toolTip.title, u"Skylet — 2 finestre fissate"_s);
+    const auto pictures =
+        qdbus_cast<QList<StatusNotifierPicture>>(properties.value(u"IconPixmap"_s).value<QDBusArgument>());
     ASSERT_EQ(pictures.size(), 6);
     for (const StatusNotifierPicture& picture : pictures) {
         ASSERT_EQ(picture.bytes.size(), 4 * picture.width * picture.height);
@@ -170,24 +125,19 @@ TEST_F(StatusNotifierTest, ItemShowsPicturesOfEverySizeAndItsToolTip) {
         EXPECT_EQ(picture.bytes.mid(offset, 4), QByteArray("\xFF\xFF\0\0", 4))
             << picture.width << ": opaque red";
     }
-    const QString service = item->service();
     item.reset();
-    EXPECT_TRUE(eventually([&] { return !panel_.interface()->isServiceRegistered(service).value(); }));
+    EXPECT_TRUE(eventually([&] { return !isNamed(service); }));
 }
 
 TEST_F(StatusNotifierTest, HostsThatOnlyTellOfClicksGetTheMenuFromUs) {
     int shown = 0;
     const StatusNotifierItem item(
         ours_, mainQueue_, 1, [] { return platform::Menu(); }, [&] { ++shown; });
-    ASSERT_TRUE(isNamed(item));
+    ASSERT_TRUE(eventually([&] { return isNamed(item.service()); }));
     int expected = 0;
-    for (const char* method : {"Activate", "SecondaryActivate", "ContextMenu", "Unknown"}) {
-        auto message = QDBusMessage::createMethodCall(item.service(), QStringLiteral("/StatusNotifierItem"),
-                                                      itemInterface, QString::fromLatin1(method));
-        message << 10 << 10;
-        const QDBusPendingCall pending = panel_.asyncCall(message);
-        ASSERT_TRUE(eventually([&] { return pending.isFinished(); }));
-        expected += pending.isError() ? 0 : 1;
+    for (const auto& method : {u"Activate"_s, u"SecondaryActivate"_s, u"ContextMenu"_s, u"Unknown"_s}) {
+        const auto answer = ask(panel_, busCall(item.service(), itemPath, itemInterface, method, {10, 10}));
+        expected += answer.type() == QDBusMessage::ReplyMessage ? 1 : 0;
         EXPECT_TRUE(eventually([&] { return shown == expected; }));
     }
     EXPECT_EQ(shown, 3);

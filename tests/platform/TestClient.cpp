@@ -22,30 +22,20 @@ xcb_window_t TestClient::createWindow(xcb_rectangle_t place, xcb_window_t parent
     return window;
 }
 
-void TestClient::map(xcb_window_t window) {
-    xcb_map_window(raw(), window);
-    sync();
-}
-
-void TestClient::unmap(xcb_window_t window) {
-    xcb_unmap_window(raw(), window);
-    sync();
-}
-
-void TestClient::destroy(xcb_window_t window) {
-    xcb_destroy_window(raw(), window);
-    sync();
+xcb_window_t TestClient::show(xcb_rectangle_t place, bool overrideRedirect) {
+    const xcb_window_t window = createWindow(place, XCB_WINDOW_NONE, overrideRedirect);
+    map(window);
+    raise(window);
+    return window;
 }
 
 void TestClient::focus(xcb_window_t window) {
-    xcb_set_input_focus(raw(), XCB_INPUT_FOCUS_POINTER_ROOT, window, XCB_CURRENT_TIME);
-    sync();
+    finish(xcb_set_input_focus_checked(raw(), XCB_INPUT_FOCUS_POINTER_ROOT, window, XCB_CURRENT_TIME));
 }
 
 void TestClient::raise(xcb_window_t window) {
     const std::uint32_t above = XCB_STACK_MODE_ABOVE;
-    xcb_configure_window(raw(), window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
-    sync();
+    finish(xcb_configure_window_checked(raw(), window, XCB_CONFIG_WINDOW_STACK_MODE, &above));
 }
 
 xcb_atom_t TestClient::atom(const std::string& name) {
@@ -56,21 +46,14 @@ xcb_atom_t TestClient::atom(const std::string& name) {
 
 void TestClient::setItems(xcb_window_t window, const std::string& property, xcb_atom_t type,
                           const std::vector<std::uint32_t>& items) {
-    xcb_change_property(raw(), XCB_PROP_MODE_REPLACE, window, atom(property), type, 32,
-                        static_cast<std::uint32_t>(items.size()), items.data());
-    sync();
+    finish(xcb_change_property_checked(raw(), XCB_PROP_MODE_REPLACE, window, atom(property), type, 32,
+                                       static_cast<std::uint32_t>(items.size()), items.data()));
 }
 
 void TestClient::setText(xcb_window_t window, xcb_atom_t property, xcb_atom_t type,
                          const std::string& bytes) {
-    xcb_change_property(raw(), XCB_PROP_MODE_REPLACE, window, property, type, 8,
-                        static_cast<std::uint32_t>(bytes.size()), bytes.data());
-    sync();
-}
-
-void TestClient::deleteProperty(xcb_window_t window, const std::string& property) {
-    xcb_delete_property(raw(), window, atom(property));
-    sync();
+    finish(xcb_change_property_checked(raw(), XCB_PROP_MODE_REPLACE, window, property, type, 8,
+                                       static_cast<std::uint32_t>(bytes.size()), bytes.data()));
 }
 
 xcb_window_t TestClient::pretendToManage() {
@@ -81,21 +64,17 @@ xcb_window_t TestClient::pretendToManage() {
 }
 
 std::optional<std::uint8_t> TestClient::grabKey(std::uint16_t modifiers, xcb_keycode_t key) {
-    const XcbOwned<xcb_generic_error_t> error(
-        xcb_request_check(raw(), xcb_grab_key_checked(raw(), 0, root_, modifiers, key, XCB_GRAB_MODE_ASYNC,
-                                                      XCB_GRAB_MODE_ASYNC)));
-    return error ? std::optional(error->error_code) : std::nullopt;
+    return finish(
+        xcb_grab_key_checked(raw(), 0, root_, modifiers, key, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
 }
 
 void TestClient::ungrabKey(std::uint16_t modifiers, xcb_keycode_t key) {
-    xcb_ungrab_key(raw(), key, root_, modifiers);
-    sync();
+    finish(xcb_ungrab_key_checked(raw(), key, root_, modifiers));
 }
 
 void TestClient::fakeKey(xcb_keycode_t key, bool press) {
-    xcb_test_fake_input(raw(), press ? XCB_KEY_PRESS : XCB_KEY_RELEASE, key, XCB_CURRENT_TIME,
-                        XCB_WINDOW_NONE, 0, 0, 0);
-    sync();
+    finish(xcb_test_fake_input_checked(raw(), press ? XCB_KEY_PRESS : XCB_KEY_RELEASE, key, XCB_CURRENT_TIME,
+                                       XCB_WINDOW_NONE, 0, 0, 0));
 }
 
 void TestClient::strike(const std::vector<xcb_keycode_t>& keys) {
@@ -108,12 +87,9 @@ void TestClient::strike(const std::vector<xcb_keycode_t>& keys) {
     }
 }
 
-bool TestClient::waitForEvent() {
-    return XcbOwned<xcb_generic_event_t>(xcb_wait_for_event(raw())) != nullptr;
-}
-
-XcbOwned<xcb_generic_event_t> TestClient::pollEvent() {
-    return XcbOwned<xcb_generic_event_t>(xcb_poll_for_event(raw()));
+std::optional<std::uint8_t> TestClient::finish(xcb_void_cookie_t checked) {
+    const XcbOwned<xcb_generic_error_t> error(xcb_request_check(raw(), checked));
+    return error ? std::optional(error->error_code) : std::nullopt;
 }
 
 void TestClient::sync() {

@@ -16,11 +16,6 @@ constexpr std::uint32_t existing = WindowListOption::excludeDesktopElements;
 
 class WindowListTest : public ServerTest {
   protected:
-    [[nodiscard]] xcb_window_t mapped(xcb_rectangle_t place, bool overrideRedirect = false) {
-        const xcb_window_t window = other_.createWindow(place, XCB_WINDOW_NONE, overrideRedirect);
-        other_.map(window);
-        return window;
-    }
     [[nodiscard]] std::vector<std::int64_t> numbers(std::uint32_t options) {
         std::vector<std::int64_t> result;
         const auto list = windowServer_.copyWindowList(options, nullWindowID);
@@ -37,71 +32,63 @@ class WindowListTest : public ServerTest {
         other_.setItems(other_.root(), "_NET_CLIENT_LIST", XCB_ATOM_WINDOW, backToFront);
         other_.setItems(other_.root(), "_NET_CLIENT_LIST_STACKING", XCB_ATOM_WINDOW, backToFront);
     }
-    void setStates(xcb_window_t window, const std::vector<std::string>& names) {
-        std::vector<std::uint32_t> atoms;
-        atoms.reserve(names.size());
-        for (const std::string& name : names) {
-            atoms.push_back(other_.atom(name));
-        }
-        other_.setItems(window, "_NET_WM_STATE", XCB_ATOM_ATOM, atoms);
-    }
 
     X11WindowServer windowServer_{connection()};
 };
 
 TEST_F(WindowListTest, WithoutAManagerTheMappedChildrenCount) {
-    const xcb_window_t back = mapped({0, 0, 100, 100});
-    const xcb_window_t front = mapped({50, 50, 100, 100});
-    const xcb_window_t menu = mapped({60, 60, 20, 20}, true);
+    const xcb_window_t back = other_.show({0, 0, 100, 100});
+    const xcb_window_t front = other_.show({50, 50, 100, 100});
+    const xcb_window_t menu = other_.show({60, 60, 20, 20}, true);
     (void)other_.createWindow({0, 0, 10, 10});
     EXPECT_EQ(numbers(onScreen), (std::vector<std::int64_t>{menu, front, back}));
-    EXPECT_EQ(entry(menu)->layer > 0, true);
+    EXPECT_GT(entry(menu)->layer, 0);
     EXPECT_EQ(entry(front)->layer, 0);
 }
 
 TEST_F(WindowListTest, TheManagerSaysWhatIsThereAndInWhichOrder) {
-    const xcb_window_t a = mapped({0, 0, 100, 100});
-    const xcb_window_t b = mapped({50, 50, 100, 100});
-    const xcb_window_t c = mapped({50, 50, 100, 100});
+    const xcb_window_t a = other_.show({0, 0, 100, 100});
+    const xcb_window_t b = other_.show({50, 50, 100, 100});
+    const xcb_window_t c = other_.show({50, 50, 100, 100});
     other_.pretendToManage();
     other_.setItems(other_.root(), "_NET_CURRENT_DESKTOP", XCB_ATOM_CARDINAL, {1});
     manage({b, a, c});
     EXPECT_EQ(numbers(onScreen), (std::vector<std::int64_t>{c, a, b}));
 
     other_.setItems(a, "_NET_WM_DESKTOP", XCB_ATOM_CARDINAL, {0});
-    setStates(b, {"_NET_WM_STATE_HIDDEN"});
+    other_.setItems(b, "_NET_WM_STATE", XCB_ATOM_ATOM, {other_.atom("_NET_WM_STATE_HIDDEN")});
     other_.setItems(c, "_NET_WM_DESKTOP", XCB_ATOM_CARDINAL, {0xFFFFFFFF});
     EXPECT_EQ(numbers(onScreen), (std::vector<std::int64_t>{c}));
     EXPECT_EQ(numbers(existing), (std::vector<std::int64_t>{c, a, b}));
     other_.unmap(c);
-    EXPECT_EQ(numbers(onScreen), (std::vector<std::int64_t>{}));
+    EXPECT_EQ(numbers(onScreen), std::vector<std::int64_t>{});
     EXPECT_EQ(numbers(existing), (std::vector<std::int64_t>{c, a, b}));
 }
 
 TEST_F(WindowListTest, LayersFollowTypesAndStates) {
-    const xcb_window_t window = mapped({0, 0, 100, 100});
+    const xcb_window_t window = other_.show({0, 0, 100, 100});
     other_.pretendToManage();
     manage({window});
-    const auto layer = [&] {
-        return *entry(window)->layer;
-    };
-    EXPECT_EQ(layer(), 0);
-    setStates(window, {"_NET_WM_STATE_ABOVE"});
-    EXPECT_GT(layer(), 0);
-    setStates(window, {"_NET_WM_STATE_BELOW"});
-    EXPECT_LT(layer(), 0);
-    setStates(window, {});
-    other_.setItems(window, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM, {other_.atom("_NET_WM_WINDOW_TYPE_DOCK")});
-    EXPECT_GT(layer(), 0);
-    other_.setItems(window, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM,
-                    {other_.atom("_NET_WM_WINDOW_TYPE_DESKTOP")});
+    const std::string state = "_NET_WM_STATE";
+    const std::string type = "_NET_WM_WINDOW_TYPE";
+    for (const auto& [property, value, sign] :
+         std::vector<std::tuple<std::string, const char*, int>>{{state, "_FOCUSED", 0},
+                                                                {state, "_ABOVE", 1},
+                                                                {state, "_BELOW", -1},
+                                                                {state, "_FOCUSED", 0},
+                                                                {type, "_DOCK", 1}}) {
+        other_.setItems(window, property, XCB_ATOM_ATOM, {other_.atom(property + value)});
+        const auto layer = *entry(window)->layer;
+        EXPECT_EQ((layer > 0) - (layer < 0), sign) << value;
+    }
+    other_.setItems(window, type, XCB_ATOM_ATOM, {other_.atom(type + "_DESKTOP")});
     EXPECT_TRUE(numbers(existing).empty());
     EXPECT_EQ(numbers(0).size(), 1U);
 }
 
 TEST_F(WindowListTest, WindowsOutliveTheirManager) {
-    const xcb_window_t window = mapped({0, 0, 100, 100});
-    const xcb_window_t minimised = mapped({0, 0, 100, 100});
+    const xcb_window_t window = other_.show({0, 0, 100, 100});
+    const xcb_window_t minimised = other_.show({0, 0, 100, 100});
     const xcb_window_t check = other_.pretendToManage();
     manage({window, minimised});
     other_.setItems(window, "WM_STATE", other_.atom("WM_STATE"), {1, 0});
@@ -123,24 +110,19 @@ TEST_F(WindowListTest, WindowsOutliveTheirManager) {
     EXPECT_FALSE(entry(window));
 }
 
-TEST_F(WindowListTest, NamesAreReadWithoutTrust) {
-    const xcb_window_t window = mapped({0, 0, 100, 100});
-    const auto name = [&] {
-        return *entry(window)->name;
-    };
-    const xcb_atom_t netName = other_.atom("_NET_WM_NAME");
-    EXPECT_EQ(name(), "");
+TEST_F(WindowListTest, ANameOfAWrongTypeIsNoName) {
+    const xcb_window_t window = other_.show({0, 0, 100, 100});
+    EXPECT_EQ(entry(window)->name, "");
     other_.setText(window, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, "caf\xE9");
-    EXPECT_EQ(name(), "café");
-    other_.setText(window, netName, other_.atom("UTF8_STRING"), "città");
-    EXPECT_EQ(name(), "città");
+    other_.setText(window, other_.atom("_NET_WM_NAME"), other_.atom("UTF8_STRING"), "città");
+    EXPECT_EQ(entry(window)->name, "città");
     other_.setItems(window, "_NET_WM_NAME", XCB_ATOM_CARDINAL, {1, 2, 3});
-    EXPECT_EQ(name(), "café") << "a wrong type is no name";
+    EXPECT_EQ(entry(window)->name, "café");
 }
 
 TEST_F(WindowListTest, TheRoundTripsDoNotGrowWithTheWindows) {
     for (int i = 0; i < 60; ++i) {
-        (void)mapped({0, 0, 10, 10});
+        (void)other_.show({0, 0, 10, 10});
     }
     (void)numbers(onScreen); // from the second copy on it also asks after the windows of the first
     for (const bool managed : {false, true}) {
@@ -157,7 +139,7 @@ TEST_F(WindowListTest, TheRoundTripsDoNotGrowWithTheWindows) {
         EXPECT_LE(connection().roundTrips() - before, 3U) << "managed: " << managed;
     }
     const auto before = connection().roundTrips();
-    (void)entry(mapped({0, 0, 10, 10}));
+    (void)entry(other_.show({0, 0, 10, 10}));
     EXPECT_EQ(connection().roundTrips() - before, 1U);
 }
 

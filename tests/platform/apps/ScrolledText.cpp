@@ -3,28 +3,16 @@
 
 #include <QApplication>
 #include <QPlainTextEdit>
-#include <QStringList>
 #include <QTabWidget>
-
-namespace {
-
-QString lines(int count) {
-    QStringList all;
-    for (int i = 0; i < count; ++i) {
-        all << QStringLiteral("line %1").arg(i);
-    }
-    return all.join(QLatin1Char('\n'));
-}
-
-} // namespace
 
 int main(int argc, char** argv) {
     const QApplication application(argc, argv);
+    const QString text = QStringLiteral("line\n").repeated(500).chopped(1);
     QTabWidget window;
     window.setWindowTitle(QStringLiteral("scrolled"));
     window.setGeometry(100, 90, 480, 320);
-    window.addTab(new QPlainTextEdit(lines(500)), QStringLiteral("shown"));
-    window.addTab(new QPlainTextEdit(lines(500)), QStringLiteral("hidden"));
+    window.addTab(new QPlainTextEdit(text), QStringLiteral("shown"));
+    window.addTab(new QPlainTextEdit(text), QStringLiteral("hidden"));
     window.show();
     return QApplication::exec();
 }
