@@ -110,6 +110,22 @@ std::string escapedValue(const std::string& value) {
     return escaped.starts_with(' ') ? "\\s" + escaped.substr(1) : escaped;
 }
 
+// A file name as the Exec key takes it (Desktop Entry Specification 1.5), before the escapes that every value
+// of type string has. Always quoted, which is right for every name; a percent sign would begin a field code.
+std::string quotedForExec(const std::string& program) {
+    std::string quoted = "\"";
+    for (const char c : program) {
+        if (c == '"' || c == '`' || c == '$' || c == '\\') {
+            quoted += '\\';
+        }
+        quoted += c;
+        if (c == '%') {
+            quoted += '%';
+        }
+    }
+    return quoted + "\"";
+}
+
 } // namespace
 
 std::string AutostartEntry::defaultPath(const std::string& name) {
@@ -162,21 +178,6 @@ bool AutostartEntry::registerItem() {
 
 bool AutostartEntry::unregisterItem() {
     return unlink(path_.c_str()) == 0 || errno == ENOENT || errno == ENOTDIR;
-}
-
-// Always quoted, which is right for every name; a percent sign would begin a field code.
-std::string AutostartEntry::quotedForExec(const std::string& program) {
-    std::string quoted = "\"";
-    for (const char c : program) {
-        if (c == '"' || c == '`' || c == '$' || c == '\\') {
-            quoted += '\\';
-        }
-        quoted += c;
-        if (c == '%') {
-            quoted += '%';
-        }
-    }
-    return quoted + "\"";
 }
 
 } // namespace skylet::platform::qt

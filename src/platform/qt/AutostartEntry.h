@@ -26,10 +26,6 @@ class AutostartEntry : public LoginItem {
     // Removes the entry.
     [[nodiscard]] bool unregisterItem() override;
 
-    // A file name as the Exec key takes it (Desktop Entry Specification 1.5), before the escapes that every
-    // value of type string has.
-    [[nodiscard]] static std::string quotedForExec(const std::string& program);
-
   private:
     std::string path_;
     std::string title_;

@@ -21,7 +21,10 @@ constexpr std::size_t maximumParts = 16;
 constexpr int maximumSteps = 16;
 // How many lines a page has, until a page step was seen.
 constexpr double linesPerPage = 10;
-constexpr int misses = 2; // an application may be late with its first answer
+// An application may be late; only what has not moved for so long is at its end.
+constexpr std::chrono::seconds lateness(1);
+// Bars with a range of this and more count whole units, and round to them.
+constexpr double wholeUnits = 10;
 
 enum Action : int { lineUp = 0, lineDown = 1, pageUp = 2, pageDown = 3 };
 
@@ -67,7 +70,7 @@ AtspiBars::Range AtspiBars::readRange(const AtspiScrollArea& area) {
         if (known->second.maximum != *maximum) {
             ends_.erase(known);
         } else if (known->second.end > *minimum) {
-            range.end = known->second.end;
+            range.end = *known->second.end;
         }
     }
     range.end = std::max(range.end, range.current);
@@ -147,18 +150,34 @@ int AtspiBars::writeValue(const AtspiScrollArea& area, const Range& before, doub
     return error;
 }
 
+AtspiBars::End& AtspiBars::endOf(const AtspiScrollArea& area, double maximum) {
+    End& end = ends_[key(area)];
+    if (end.maximum != maximum) {
+        end = {.maximum = maximum, .end = {}, .stuckSince = {}};
+    }
+    return end;
+}
+
+void AtspiBars::noteStuck(End& end, double place) {
+    const Time now = std::chrono::steady_clock::now();
+    if (now - end.stuckSince.value_or(now) >= lateness) {
+        end.end = place;
+    } else if (!end.stuckSince) {
+        end.stuckSince = now;
+    }
+}
+
 void AtspiBars::learnEnd(const AtspiScrollArea& area, const Range& before, double wanted) {
     const auto after = AtspiReply::real(bus_.call(AtspiBus::property(area.bar, "Value", "CurrentValue")));
-    const double same = sameShare * (before.maximum - before.minimum);
-    if (!after || wanted <= before.current || *after >= wanted - same) {
-        return;
-    }
-    End& end = ends_[key(area)];
-    if (end.maximum != before.maximum) {
-        end = {.maximum = before.maximum, .end = before.minimum, .unmoved = 0};
-    }
-    if (*after > before.current + same || ++end.unmoved >= misses) {
+    const double length = before.maximum - before.minimum;
+    const double same = length >= wholeUnits ? 1 : sameShare * length;
+    End& end = endOf(area, before.maximum);
+    if (!after || wanted <= before.current + same || *after >= wanted - same) {
+        end.stuckSince.reset();
+    } else if (*after > before.current + same) {
         end.end = *after;
+    } else {
+        noteStuck(end, *after);
     }
 }
 
@@ -183,7 +202,7 @@ int AtspiBars::writeByActions(const AtspiScrollArea& area, Range range, double v
         const double moved = isDown ? after.current - range.current : range.current - after.current;
         const bool isPast = isDown ? after.current >= wanted : after.current <= wanted;
         if (moved <= 0 && isDown) {
-            ends_[key(area)] = {.maximum = after.maximum, .end = after.current, .unmoved = misses};
+            noteStuck(endOf(area, after.maximum), after.current);
         }
         range = after;
         if (moved <= 0 || isPast) {

@@ -9,6 +9,8 @@
 #include "platform/x11/AtspiBus.h"
 #include "platform/x11/AtspiScrollAreas.h"
 
+#include <chrono>
+#include <optional>
 #include <unordered_map>
 #include <utility>
 
@@ -41,10 +43,11 @@ class AtspiBars {
         AtspiRef content;
         AtspiExtents extents; // of the content
     };
+    using Time = std::chrono::steady_clock::time_point;
     struct End {
-        double maximum = 0; // what the bar said then
-        double end = 0;
-        int unmoved = 0; // how often the bar did not move further
+        double maximum = 0;             // what the bar said then
+        std::optional<double> end;      // once known
+        std::optional<Time> stuckSince; // the bar has not moved further
     };
 
     [[nodiscard]] Range readRange(const AtspiScrollArea& area);
@@ -53,6 +56,8 @@ class AtspiBars {
     int writeByActions(const AtspiScrollArea& area, Range range, double value);
     int writeDocument(const AtspiScrollArea& area, double value);
     void learnEnd(const AtspiScrollArea& area, const Range& before, double wanted);
+    [[nodiscard]] End& endOf(const AtspiScrollArea& area, double maximum);
+    static void noteStuck(End& end, double place);
 
     AtspiBus& bus_;
     std::unordered_map<QString, End> ends_; // by bus and path of the bar

@@ -7,7 +7,7 @@
 
 int main(int argc, char** argv) {
     const QApplication application(argc, argv);
-    const QString text = QStringLiteral("line\n").repeated(500).chopped(1);
+    const QString text = QStringLiteral("line\n").repeated(501).chopped(1);
     QTabWidget window;
     window.setWindowTitle(QStringLiteral("scrolled"));
     window.setGeometry(100, 90, 480, 320);
