@@ -147,6 +147,7 @@ TEST_P(InputMatrixTest, ReachesTheRealWindow) {
                   },
                   {words.down, words.motion, words.up, words.selection});
     expectReaches("wheel", [&] { click(inOverlay(0.5, 0.6), 5); }, {words.wheel});
+    expectReaches("button", [&] { click({overlay_.x + 90, overlay_.bottom() - 45}); }, {words.pressed});
     if (GetParam().windowManager != WindowManagerKind::openbox) {
         return; // modifiers and menus are the toolkit's own affair
     }

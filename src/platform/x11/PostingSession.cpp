@@ -194,13 +194,17 @@ void PostingSession::press(const PostedInput& input) {
     connection_.flush();
 }
 
-// What comes between goes out as one write, so that nothing is left half done.
-void PostingSession::openBlock(const PostedInput& input) {
-    holdsUser_ = input.kind == PostedInput::Kind::press && !userButtonIsDown();
+void PostingSession::holdServer(bool andUser) {
+    holdsUser_ = andUser;
     connection_.send<xcb_grab_server>();
     if (holdsUser_) {
         pointer_.holdUserPointer();
     }
+}
+
+// What comes between goes out as one write, so that nothing is left half done.
+void PostingSession::openBlock(const PostedInput& input) {
+    holdServer(input.kind == PostedInput::Kind::press && !userButtonIsDown());
     if (isAway_) {
         pointer_.park();
     }
@@ -236,15 +240,24 @@ void PostingSession::release(const PostedInput& input) {
     if (std::exchange(dropsUntilRelease_, false) || heldButton_ != input.button) {
         return;
     }
-    follow(input);
     // Menus open where the pointer is, and some close when it leaves.
     const bool mayOpenMenu = heldButton_ == rightButton || popups_.isOpen();
+    // What is a button only hears a release that happens over it, and the pointer left it with the hole.
+    follow(input);
+    const bool isOver = !mayOpenMenu && holes_.find(topLevel_, x_, y_);
+    if (isOver) {
+        holdServer(!userButtonIsDown());
+        holes_.cut();
+    }
     pointer_.release(std::exchange(heldButton_, std::uint8_t{0}));
     releaseSpare();
     pointer_.unlockModifiers();
     if (!mayOpenMenu) {
         pointer_.park();
         isAway_ = false;
+    }
+    if (isOver) {
+        closeBlock();
     }
     connection_.flush();
 }

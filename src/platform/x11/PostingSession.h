@@ -45,6 +45,7 @@ class PostingSession {
     void press(const PostedInput& input);
     // The pointer, with its button down, goes to the input's place.
     void follow(const PostedInput& input);
+    void holdServer(bool andUser);
     void openBlock(const PostedInput& input);
     void closeBlock();
     [[nodiscard]] bool userButtonIsDown();

@@ -10,6 +10,7 @@ proc modifiers {state} {
 }
 pack [text .page -font {Courier 12} -yscrollcommand {tell_scroll}] -fill both -expand true
 .page insert end [string repeat "mirror window pinned floating panel\n" 60]
+place [button .press -text "Press" -command {say pressed}] -x 30 -y 260 -width 120 -height 30
 menu .menu -tearoff false
 .menu add command -label "A single item" -command {say item}
 proc tell_scroll {first last} {

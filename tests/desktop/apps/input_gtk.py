@@ -41,6 +41,16 @@ def watch_text(view, scrolled):
     scrolled.get_vadjustment().connect("value-changed", lambda bar: say("scrolled", int(bar.get_value())))
 
 
+def with_button(scrolled):
+    button = Gtk.Button(label="Press", halign=Gtk.Align.START, valign=Gtk.Align.END, margin_start=30,
+                        margin_bottom=30, width_request=120, height_request=30)
+    button.connect("clicked", lambda _: say("pressed"))
+    overlay = Gtk.Overlay()
+    overlay.add_overlay(button)
+    (overlay.add if sys.argv[1] == "3.0" else overlay.set_child)(scrolled)
+    return overlay
+
+
 def run_gtk3():
     names = {Gdk.EventType._2BUTTON_PRESS: "double", Gdk.EventType._3BUTTON_PRESS: "triple"}
     window = Gtk.Window(title="target", default_width=480, default_height=320)
@@ -69,7 +79,7 @@ def run_gtk3():
     view.connect("motion-notify-event", moved)
     watch_text(view, scrolled)
     scrolled.add(view)
-    window.add(scrolled)
+    window.add(with_button(scrolled))
     window.connect("destroy", Gtk.main_quit)
     window.show_all()
     Gtk.main()
@@ -110,7 +120,7 @@ def run_gtk4():
     view.add_controller(motion)
     watch_text(view, scrolled)
     scrolled.set_child(view)
-    window.set_child(scrolled)
+    window.set_child(with_button(scrolled))
     window.connect("close-request", lambda _: loop.quit())
     window.present()
     loop.run()

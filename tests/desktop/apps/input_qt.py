@@ -36,6 +36,9 @@ class Page(QtWidgets.QPlainTextEdit):
         self.resize(480, 320)
         self.menu = QtWidgets.QMenu(self)
         self.menu.addAction("A single item").triggered.connect(lambda: say("item"))
+        button = QtWidgets.QPushButton("Press", self)
+        button.setGeometry(30, 260, 120, 30)
+        button.clicked.connect(lambda: say("pressed"))
         self.selectionChanged.connect(self.tell_selection)
         self.verticalScrollBar().valueChanged.connect(lambda value: say("scrolled", value))
 

@@ -1,6 +1,6 @@
 // Shows on a private virtual desktop that a pinned window's mirror is live and can be used: pins a terminal,
 // covers it, lets it print, and compares the mirror with the terminal pixel by pixel; clicks and scrolls in
-// the mirror of another one; opens the menu, the settings and the About window. Saves pictures of each step
+// the mirror of a page; opens the menu, the settings and the About window. Saves pictures of each step
 // in the folder it is given.
 #include "harness/AccessibleTree.h"
 #include "harness/Application.h"
@@ -23,12 +23,6 @@ namespace {
 
 constexpr int interrupted = 130;
 constexpr xcb_keysym_t escapeKey = 0xff1b; // XK_Escape
-
-// A terminal's reports begin with Escape.
-std::string printable(std::string text) {
-    std::erase_if(text, [](char c) { return c < ' '; });
-    return text;
-}
 
 // Ends what was started when the user ends the demonstration.
 void watchSignals(const std::string& folder) {
@@ -58,7 +52,8 @@ class Demonstration {
     void picture(const std::string& name);
     bool play();
     bool playMirror(SkyletProgram& skylet, Application& terminal, Window cover);
-    bool playInput(SkyletProgram& skylet, Application& terminal, Window cover);
+    bool playInput(SkyletProgram& skylet, Window cover);
+    bool playMenu(SkyletProgram& skylet);
     bool playWindows();
 
     std::string folder_;
@@ -97,7 +92,7 @@ bool Demonstration::play() {
     }
     const Window cover = x.windowsOf(other.pid()).front();
     x.moveResize(cover, {60, 50, 800, 520});
-    return playMirror(skylet, terminal, cover) && playInput(skylet, terminal, cover) && playWindows();
+    return playMirror(skylet, terminal, cover) && playInput(skylet, cover) && playWindows();
 }
 
 bool Demonstration::playMirror(SkyletProgram& skylet, Application& terminal, Window cover) {
@@ -142,21 +137,40 @@ bool Demonstration::playMirror(SkyletProgram& skylet, Application& terminal, Win
     return step(followed, "The covered terminal printed, and the mirror shows every pixel of it.");
 }
 
-bool Demonstration::playInput(SkyletProgram& skylet, Application& terminal, Window cover) {
+bool Demonstration::playInput(SkyletProgram& skylet, Window cover) {
     XSession& x = desktop_.x();
+    skylet.pressShortcut();
+    if (!step(eventually([&] { return skylet.overlays().empty(); }),
+              "The shortcut was pressed again: the mirror is gone.")) {
+        return false;
+    }
+    Process page = desktop_.start({"wish", SKYLET_DEMO_FOLDER "/page.tcl"}, "page.err");
+    const bool opened = eventually([&] { return !x.windowsOf(page.pid()).empty(); });
+    const Window window = opened ? x.windowsOf(page.pid()).front() : Window{XCB_NONE};
+    const bool pinned = opened && skylet.pin(window);
+    x.activate(cover);
+    if (!step(pinned && eventually([&] { return skylet.mirrors(window); }),
+              "A window with a button and a long page is pinned and covered.")) {
+        return false;
+    }
     const Rectangle mirror = x.geometry(skylet.overlays().front()).value_or(Rectangle{});
-    terminal.forget();
-    x.click(mirror.x + mirror.width / 2, mirror.y + mirror.height / 2);
-    x.click(mirror.x + mirror.width / 2, mirror.y + mirror.height / 2, 5);
-    const bool reached = terminal.says(terminal.words().down) && terminal.says(terminal.words().wheel);
-    if (!step(reached, "A click and a turn of the wheel on the mirror reached the covered terminal: " +
-                           printable(terminal.said()))) {
-        return false;
+    x.click(mirror.x + mirror.width / 2, mirror.y + 30);
+    const bool pressed = page.readLine() == "pressed";
+    for (int turn = 0; turn < 5; ++turn) {
+        x.click(mirror.x + mirror.width / 2, mirror.y + mirror.height / 2, 5);
     }
-    if (!step(x.activeWindow() == cover && x.pidOf(x.inputFocus()) == x.pidOf(cover),
-              "The window in use kept the focus.")) {
-        return false;
-    }
+    const bool used =
+        pressed && page.readLine() == "scrolled" && eventually([&] { return skylet.mirrors(window); });
+    picture("4-clicked-and-scrolled.png");
+    return step(used,
+                "A click in the mirror pressed the covered button, the wheel scrolled the covered page.") &&
+           step(x.activeWindow() == cover && x.pidOf(x.inputFocus()) == x.pidOf(cover),
+                "The window in use kept the focus.") &&
+           playMenu(skylet);
+}
+
+bool Demonstration::playMenu(SkyletProgram& skylet) {
+    XSession& x = desktop_.x();
     if (!step(eventually([&] { return skylet.icon().pixels > 0; }), "Skylet's icon is in the tray.")) {
         return false;
     }
@@ -164,15 +178,10 @@ bool Demonstration::playInput(SkyletProgram& skylet, Application& terminal, Wind
     const std::size_t before = skylet.overlays().size(); // a menu is as unmanaged as an overlay
     x.click(icon.x + icon.width / 2, icon.y + icon.height / 2);
     const bool opened = eventually([&] { return skylet.overlays().size() == before + 1; });
-    picture("4-menu.png");
+    picture("5-menu.png");
     x.press(escapeKey);
-    const bool closed = eventually([&] { return skylet.overlays().size() == before; });
-    if (!step(opened && closed, "A click on it opened the menu.")) {
-        return false;
-    }
-    skylet.pressShortcut();
-    return step(eventually([&] { return skylet.overlays().empty(); }),
-                "The shortcut was pressed again: the mirror is gone.");
+    return step(opened && eventually([&] { return skylet.overlays().size() == before; }),
+                "A click on it opened the menu.");
 }
 
 bool Demonstration::playWindows() {
@@ -183,8 +192,8 @@ bool Demonstration::playWindows() {
         picture(name);
         return shown;
     };
-    return step(shows("settings", "Apri all’accesso", "5-settings.png"), "The settings are open.") &&
-           step(shows("about", "Chiudi", "6-about.png"), "The About window is open.");
+    return step(shows("settings", "Apri all’accesso", "6-settings.png"), "The settings are open.") &&
+           step(shows("about", "Chiudi", "7-about.png"), "The About window is open.");
 }
 
 int Demonstration::show() {

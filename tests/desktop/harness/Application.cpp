@@ -12,17 +12,22 @@ constexpr std::chrono::seconds longestStart{60};
 ProbeWords wordsOf(Toolkit toolkit) {
     switch (toolkit) {
     case Toolkit::raw:
-        return {"press1@",   "release1", "press1@", "press1+control@", "motion", "", "press5@", "press3@",
-                "release3@", "",         false};
+        return {"press1@",   "release1", "press1@", "press1+control@",
+                "motion",    "",         "press5@", "press3@",
+                "release3@", "",         "",        false};
     case Toolkit::xterm:
-        return {"<0;", "m", "<0;", "", "<32;", "", "<65;", "<2;", "m", "", false};
+        return {"<0;", "m", "<0;", "", "<32;", "", "<65;", "<2;", "m", "", "", false};
     case Toolkit::chromium:
     case Toolkit::firefox:
-        return {.selection = "selected'", .rightUp = "menu", .item = "item", .leftOpensMenu = true};
+        return {.selection = "selected'",
+                .rightUp = "menu",
+                .pressed = "pressed",
+                .item = "item",
+                .leftOpensMenu = true};
     case Toolkit::office:
         return {.motion = ""};
     default:
-        return {.item = "item"};
+        return {.pressed = "pressed", .item = "item"};
     }
 }
 

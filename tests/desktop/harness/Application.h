@@ -27,7 +27,8 @@ struct ProbeWords {
     std::string wheel = "scrolled";            // one click down
     std::string rightDown = "down3";
     std::string rightUp{};
-    std::string item{}; // the user chose something in a popup
+    std::string pressed{}; // a button near the window's lower left corner
+    std::string item{};    // the user chose something in a popup
     bool rightOpensMenu = true;
     bool leftOpensMenu = false; // near the window's lower right corner
 };
