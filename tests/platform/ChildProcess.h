@@ -1,10 +1,9 @@
 // A program that a test starts and ends.
 #pragma once
 
-#include <QProcess>
-
 #include <csignal>
 #include <string>
+#include <sys/types.h>
 #include <vector>
 
 namespace skylet::test {
@@ -16,15 +15,16 @@ class ChildProcess {
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
     // Ends the program and waits for it.
-    ~ChildProcess() { end(); }
+    ~ChildProcess();
 
-    [[nodiscard]] pid_t pid() const { return static_cast<pid_t>(process_.processId()); }
+    [[nodiscard]] pid_t pid() const { return pid_; }
     // Of its output; empty when it ended, or does not write for long.
     [[nodiscard]] std::string readLine();
     void end(int signal = SIGTERM);
 
   private:
-    QProcess process_;
+    pid_t pid_ = -1;
+    int output_ = -1;
 };
 
 } // namespace skylet::test
