@@ -65,9 +65,15 @@ void SkyletProgram::pressShortcut() {
 bool SkyletProgram::pin(Window window) {
     const std::string line = "pin: overlay created for wid=" + std::to_string(window);
     const int before = count(line);
-    desktop_.x().activate(window);
-    if (desktop_.x().hasWindowManager() &&
-        !eventually([&] { return desktop_.x().activeWindow() == window; })) {
+    // A window manager may pass over a window that is still busy with its own start; a user asks again.
+    constexpr int attempts = 4;
+    bool isActive = false;
+    for (int attempt = 0; attempt < attempts && !isActive; ++attempt) {
+        desktop_.x().activate(window);
+        isActive = !desktop_.x().hasWindowManager() ||
+                   eventually([&] { return desktop_.x().activeWindow() == window; }, patience / attempts);
+    }
+    if (!isActive) {
         return false;
     }
     pressShortcut();
