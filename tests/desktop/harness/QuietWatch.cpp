@@ -11,7 +11,11 @@ QuietWatch::QuietWatch(const std::string& display)
     , thread_([this] { watch(); }) {}
 
 QuietWatch::~QuietWatch() {
-    ends_ = true;
+    {
+        const std::lock_guard lock(mutex_);
+        ends_ = true;
+    }
+    end_.notify_one();
     thread_.join();
 }
 
@@ -46,27 +50,25 @@ void QuietWatch::note(const std::string& text) {
 }
 
 void QuietWatch::watch() {
-    while (!ends_) {
+    for (bool ends = false; !ends;) {
         const State now = look(x_);
-        {
-            // Asked under the lock, so that the test cannot move the pointer between the question and the
-            // comparison.
-            const std::lock_guard lock(mutex_);
-            const auto pointer = x_.pointer();
-            if (now.active != start_.active) {
-                note("active window " + std::to_string(now.active));
-            }
-            if (now.focus != start_.focus) {
-                note("focus on " + std::to_string(now.focus));
-            }
-            if (now.order != start_.order) {
-                note("another order of the windows");
-            }
-            if (pointer_.first >= 0 && pointer != pointer_) {
-                note("pointer at " + std::to_string(pointer.first) + "," + std::to_string(pointer.second));
-            }
+        // Asked under the lock, so that the test cannot move the pointer between the question and the
+        // comparison.
+        std::unique_lock lock(mutex_);
+        const auto pointer = x_.pointer();
+        if (now.active != start_.active) {
+            note("active window " + std::to_string(now.active));
         }
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        if (now.focus != start_.focus) {
+            note("focus on " + std::to_string(now.focus));
+        }
+        if (now.order != start_.order) {
+            note("another order of the windows");
+        }
+        if (pointer_.first >= 0 && pointer != pointer_) {
+            note("pointer at " + std::to_string(pointer.first) + "," + std::to_string(pointer.second));
+        }
+        ends = end_.wait_for(lock, std::chrono::milliseconds(2), [this] { return ends_; });
     }
 }
 

@@ -6,7 +6,7 @@
 
 #include "XSession.h"
 
-#include <atomic>
+#include <condition_variable>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -41,8 +41,9 @@ class QuietWatch {
 
     XSession x_;
     State start_;
-    std::atomic<bool> ends_ = false;
     mutable std::mutex mutex_;
+    std::condition_variable end_;
+    bool ends_ = false;
     std::pair<int, int> pointer_{-1, -1}; // a negative place is any
     std::vector<std::string> notes_;
     std::thread thread_;
