@@ -3,7 +3,8 @@
 //
 // A press goes out as one block: the server is grabbed, the windows above get a hole, the second pointer
 // jumps to the point unnoticed and presses, the holes close. After that the implicit grab of the press
-// carries motion and release to the target. Before a first press the target is made to believe that it has
+// carries motion and release to the target; for the release the holes are there again, so that it happens
+// inside. Before a first press the target is made to believe that it has
 // the focus, before a further one it is given time to deal with the last (see FocusLead); one that does not
 // answer gets no first press.
 //
