@@ -1,7 +1,7 @@
 // The least that mirroring can cost: one request for each frame, from the target's pixmap into a window that
 // covers it, at most 60 times a second.
 //   bench_reference copy|render SCALE WINDOW...
-// "copy" copies the top left part of the scaled size, "render" scales the whole with one Render pass. Prints
+// "copy" copies a part of the scaled size, "render" scales the whole with one Render pass. Prints
 // the numbers of its windows on one line and ends at the end of its input.
 #include <xcb/composite.h>
 #include <xcb/damage.h>
@@ -184,12 +184,11 @@ void Reference::changed(const xcb_damage_notify_event_t& notify) {
 
 void Reference::paint(Mirror& mirror) {
     xcb_damage_subtract(connection_, mirror.damage, XCB_NONE, XCB_NONE);
-    const double factor = renders_ ? scale_ : 1;
     const int reach = renders_ ? 2 : 0;
-    const int left = std::max(0, static_cast<int>(std::floor(mirror.left * factor)) - reach);
-    const int top = std::max(0, static_cast<int>(std::floor(mirror.top * factor)) - reach);
-    const int right = std::min(mirror.width, static_cast<int>(std::ceil(mirror.right * factor)) + reach);
-    const int bottom = std::min(mirror.height, static_cast<int>(std::ceil(mirror.bottom * factor)) + reach);
+    const int left = std::max(0, static_cast<int>(std::floor(mirror.left * scale_)) - reach);
+    const int top = std::max(0, static_cast<int>(std::floor(mirror.top * scale_)) - reach);
+    const int right = std::min(mirror.width, static_cast<int>(std::ceil(mirror.right * scale_)) + reach);
+    const int bottom = std::min(mirror.height, static_cast<int>(std::ceil(mirror.bottom * scale_)) + reach);
     mirror.right = mirror.bottom = 0;
     if (right <= left || bottom <= top) {
         return;
