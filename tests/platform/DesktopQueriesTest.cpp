@@ -27,8 +27,9 @@ class DesktopQueriesTest : public ServerTest {
         other_.setItems(other_.root(), "_NET_CLIENT_LIST_STACKING", XCB_ATOM_WINDOW, stacking);
         other_.setItems(other_.root(), "_NET_ACTIVE_WINDOW", XCB_ATOM_WINDOW, active);
     }
-    [[nodiscard]] xcb_window_t active() { return readActiveWindow(connection()).window; }
+    [[nodiscard]] xcb_window_t active() { return reader_.read().window; }
 
+    ActiveClientReader reader_{connection()};
     xcb_window_t check_ = XCB_WINDOW_NONE;
 };
 
@@ -113,6 +114,20 @@ TEST_F(DesktopQueriesTest, WithAManagerItsWordIsChecked) {
     manage({one}, {one});
     other_.destroy(check_);
     EXPECT_EQ(active(), two) << "the manager is dead; its words stay behind";
+    other_.pretendToManage();
+    EXPECT_EQ(active(), one) << "there is another one";
+}
+
+TEST_F(DesktopQueriesTest, TheActiveProcessCostsOneWaitWhileItStays) {
+    const Puppet one;
+    const Puppet two;
+    for (const Puppet* puppet : {&one, &two, &one}) {
+        manage({one.window(), two.window()}, {puppet->window()});
+        EXPECT_EQ(reader_.read().pid, puppet->pid());
+        const auto before = connection().roundTrips();
+        EXPECT_EQ(reader_.read().pid, puppet->pid());
+        EXPECT_EQ(connection().roundTrips() - before, 1U);
+    }
 }
 
 TEST_F(DesktopQueriesTest, ScreensLeaveRoomForDocks) {

@@ -6,7 +6,7 @@
 
 namespace skylet::platform::x11 {
 
-ActivationWatch::ActivationWatch(Connection& connection, std::function<void(const ActiveWindow&)> check)
+ActivationWatch::ActivationWatch(Connection& connection, std::function<void()> check)
     : connection_(connection)
     , check_(std::move(check)) {
     properties_ = connection_.subscribe(connection_.root(), XCB_EVENT_MASK_PROPERTY_CHANGE,
@@ -81,9 +81,8 @@ void ActivationWatch::runCheck() {
     if (!std::exchange(due_, false) || !connection_.isOpen()) {
         return;
     }
-    const ActiveWindow active = readActiveWindow(connection_);
-    follow(active.windowManager);
-    check_(active);
+    follow(readActiveWindow(connection_, windowManager_).windowManager);
+    check_();
 }
 
 } // namespace skylet::platform::x11

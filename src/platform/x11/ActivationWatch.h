@@ -16,8 +16,8 @@ namespace skylet::platform::x11 {
 
 class ActivationWatch {
   public:
-    // `check` is called after batches of events with what is active then, from the event loop.
-    ActivationWatch(Connection& connection, std::function<void(const ActiveWindow&)> check);
+    // `check` is called after batches of events, from the event loop.
+    ActivationWatch(Connection& connection, std::function<void()> check);
 
   private:
     void handleRoot(const xcb_generic_event_t& event);
@@ -27,7 +27,7 @@ class ActivationWatch {
     void runCheck();
 
     Connection& connection_;
-    std::function<void(const ActiveWindow&)> check_;
+    std::function<void()> check_;
     bool due_ = true;
     bool following_ = false;
     xcb_window_t windowManager_ = XCB_WINDOW_NONE;

@@ -1,5 +1,6 @@
 #include "platform/x11/ActiveWindow.h"
 
+#include "platform/x11/ClientPid.h"
 #include "platform/x11/RootChildren.h"
 
 #include <algorithm>
@@ -85,20 +86,38 @@ ClientWindows readClientWindows(Connection& connection) {
     return result;
 }
 
-ActiveWindow readActiveWindow(Connection& connection) {
+ActiveWindow readActiveWindow(Connection& connection, xcb_window_t lastManager) {
     auto active =
         askProperty(connection, connection.root(), connection.atoms().NET_ACTIVE_WINDOW, XCB_ATOM_WINDOW, 2);
     auto focus = connection.ask<xcb_get_input_focus, xcb_get_input_focus_reply>();
     auto pointer = connection.ask<xcb_query_pointer, xcb_query_pointer_reply>(connection.root());
     PendingRootState pending(connection);
+    auto check = askWmCheck(connection, lastManager);
     const auto state = pending.read();
-    auto check = askWmCheck(connection, state.wmCheck);
+    if (state.wmCheck != lastManager) {
+        check = askWmCheck(connection, state.wmCheck);
+    }
     if (!isLiveWm(check, state.wmCheck)) {
         return {XCB_WINDOW_NONE, activeByFocus(connection, focus, pointer, state.children)};
     }
     // Some managers write a second item, some leave a window behind that is gone.
     const xcb_window_t window = firstItem(active, XCB_ATOM_WINDOW).value_or(XCB_WINDOW_NONE);
     return {state.wmCheck, contains(state.clients, window) ? window : xcb_window_t{XCB_WINDOW_NONE}};
+}
+
+ActiveClientReader::Client ActiveClientReader::read() {
+    const ActiveWindow last = last_;
+    PendingClientPids lastPid(connection_, std::span(&last.window, last.window == XCB_WINDOW_NONE ? 0 : 1));
+    const ActiveWindow active = readActiveWindow(connection_, last.windowManager);
+    last_ = active;
+    if (active.window == XCB_WINDOW_NONE) {
+        return {};
+    }
+    if (active.window != last.window) {
+        return {active.window, clientPid(connection_, active.window)};
+    }
+    const auto pids = lastPid.read();
+    return {active.window, pids.empty() ? std::nullopt : std::optional(pids.begin()->second)};
 }
 
 } // namespace skylet::platform::x11

@@ -7,8 +7,10 @@
 // Threads: any; events are left alone. Failure: no windows.
 #pragma once
 
+#include "platform/Types.h"
 #include "platform/x11/Property.h"
 
+#include <atomic>
 #include <cstdint>
 #include <optional>
 #include <vector>
@@ -30,7 +32,25 @@ struct ActiveWindow {
     xcb_window_t window = XCB_WINDOW_NONE; // the client, not its frame
 };
 
-// Two round trips with a window manager, a few more without.
-[[nodiscard]] ActiveWindow readActiveWindow(Connection& connection);
+// Two round trips with a window manager, one if it is still `lastManager`; a few more without.
+[[nodiscard]] ActiveWindow readActiveWindow(Connection& connection,
+                                            xcb_window_t lastManager = XCB_WINDOW_NONE);
+
+// Reads the active window over and over, with its process. What it found last is asked about along with the
+// question: one round trip while that holds.
+class ActiveClientReader {
+  public:
+    explicit ActiveClientReader(Connection& connection) : connection_(connection) {}
+
+    struct Client {
+        xcb_window_t window = XCB_WINDOW_NONE;
+        std::optional<ProcessID> pid;
+    };
+    [[nodiscard]] Client read();
+
+  private:
+    Connection& connection_;
+    std::atomic<ActiveWindow> last_;
+};
 
 } // namespace skylet::platform::x11

@@ -1,6 +1,5 @@
 #include "platform/x11/X11Accessibility.h"
 
-#include "platform/x11/ActiveWindow.h"
 #include "platform/x11/ClientGeometry.h"
 #include "platform/x11/ClientPid.h"
 #include "platform/x11/ProcessWatcher.h"
@@ -29,7 +28,8 @@ X11Accessibility::X11Accessibility(Connection& connection, MainQueue& mainQueue,
     : connection_(connection)
     , mainQueue_(mainQueue)
     , trust_(trust)
-    , raised_(raised) {}
+    , raised_(raised)
+    , activeReader_(connection) {}
 
 bool X11Accessibility::isProcessTrustedWithPrompt() {
     const bool trusted = trust_.isTrusted();
@@ -72,11 +72,11 @@ AXResult X11Accessibility::readApplication(ProcessID pid, std::string_view attri
         return succeeded(std::string("AXApplication"));
     }
     if (attribute == "AXFocusedWindow") {
-        const xcb_window_t active = readActiveWindow(connection_).window;
-        if (active == XCB_WINDOW_NONE || clientPid(connection_, active) != pid) {
+        const auto active = activeReader_.read();
+        if (active.pid != pid) {
             return failed(AXError::noValue);
         }
-        return succeeded<AXElementRef>(std::make_shared<WindowElement>(pid, active));
+        return succeeded<AXElementRef>(std::make_shared<WindowElement>(pid, active.window));
     }
     if (attribute == "AXWindows") {
         const auto clients = readClientWindows(connection_).windows;

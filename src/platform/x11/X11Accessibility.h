@@ -8,6 +8,7 @@
 #include "platform/Accessibility.h"
 #include "platform/Queues.h"
 #include "platform/qt/AccessibilityTrust.h"
+#include "platform/x11/ActiveWindow.h"
 #include "platform/x11/Connection.h"
 #include "platform/x11/RaisedWindows.h"
 
@@ -43,6 +44,7 @@ class X11Accessibility : public Accessibility {
     MainQueue& mainQueue_;
     qt::AccessibilityTrust& trust_;
     RaisedWindows& raised_;
+    ActiveClientReader activeReader_;
     std::thread::id mainThread_ = std::this_thread::get_id();
 };
 

@@ -32,7 +32,8 @@ X11Workspace::X11Workspace(Connection& connection, MainQueue& mainQueue, SerialQ
     , isVersion27OrLater_(readVersionGate())
     , names_(connection, mainQueue, queues)
     , processes_([this](ProcessID pid) { handleTermination(pid); })
-    , activation_(connection, [this](const ActiveWindow& active) { checkActivation(active); }) {
+    , activeReader_(connection)
+    , activation_(connection, [this] { checkActivation(); }) {
     // Where processes do not tell of their end, windows that go are the sign for it.
     clientList_ = connection_.subscribe(
         connection_.root(), XCB_EVENT_MASK_PROPERTY_CHANGE, [this](const xcb_generic_event_t& event) {
@@ -41,23 +42,20 @@ X11Workspace::X11Workspace(Connection& connection, MainQueue& mainQueue, SerialQ
                 processes_.checkAll();
             }
         });
-    frontmost_ = processOf(readActiveWindow(connection_));
+    frontmost_ = activeClient().pid;
 }
 
 ProcessID X11Workspace::ownProcessIdentifier() const {
     return getpid();
 }
 
-std::optional<ProcessID> X11Workspace::processOf(const ActiveWindow& active) {
-    if (active.window == XCB_WINDOW_NONE) {
-        return std::nullopt;
+ActiveClientReader::Client X11Workspace::activeClient() {
+    const auto client = activeReader_.read();
+    if (client.pid) {
+        lastActive_.insert_or_assign(*client.pid, client.window);
+        processes_.watch(*client.pid);
     }
-    const auto pid = clientPid(connection_, active.window);
-    if (pid) {
-        lastActive_.insert_or_assign(*pid, active.window);
-        processes_.watch(*pid);
-    }
-    return pid;
+    return client;
 }
 
 RunningApplication X11Workspace::application(ProcessID pid, xcb_window_t window) {
@@ -65,9 +63,8 @@ RunningApplication X11Workspace::application(ProcessID pid, xcb_window_t window)
 }
 
 std::optional<RunningApplication> X11Workspace::frontmostApplication() {
-    const ActiveWindow active = readActiveWindow(connection_);
-    const auto pid = processOf(active);
-    return pid ? std::optional(application(*pid, active.window)) : std::nullopt;
+    const auto active = activeClient();
+    return active.pid ? std::optional(application(*active.pid, active.window)) : std::nullopt;
 }
 
 std::optional<RunningApplication> X11Workspace::runningApplication(ProcessID pid) {
@@ -110,13 +107,13 @@ bool X11Workspace::activate(ProcessID pid) {
     return true;
 }
 
-void X11Workspace::checkActivation(const ActiveWindow& active) {
-    const auto pid = processOf(active);
-    if (!pid || pid == frontmost_) {
+void X11Workspace::checkActivation() {
+    const auto active = activeClient();
+    if (!active.pid || active.pid == frontmost_) {
         return;
     }
-    frontmost_ = pid;
-    activated_.notify(application(*pid, active.window));
+    frontmost_ = active.pid;
+    activated_.notify(application(*active.pid, active.window));
 }
 
 void X11Workspace::handleTermination(ProcessID pid) {

@@ -7,6 +7,7 @@
 #include "platform/Workspace.h"
 #include "platform/qt/Observers.h"
 #include "platform/x11/ActivationWatch.h"
+#include "platform/x11/ActiveWindow.h"
 #include "platform/x11/ApplicationNames.h"
 #include "platform/x11/ProcessWatcher.h"
 #include "platform/x11/RaisedWindows.h"
@@ -42,10 +43,10 @@ class X11Workspace : public Workspace {
   private:
     using Notices = qt::Observers<const std::optional<RunningApplication>&>;
 
-    [[nodiscard]] std::optional<ProcessID> processOf(const ActiveWindow& active);
+    [[nodiscard]] ActiveClientReader::Client activeClient();
     [[nodiscard]] RunningApplication application(ProcessID pid, xcb_window_t window);
     [[nodiscard]] std::vector<xcb_window_t> windowsOf(ProcessID pid, const ClientWindows& clients);
-    void checkActivation(const ActiveWindow& active);
+    void checkActivation();
     void handleTermination(ProcessID pid);
 
     Connection& connection_;
@@ -58,6 +59,7 @@ class X11Workspace : public Workspace {
     Notices activated_;
     Notices terminated_;
     Subscription clientList_;
+    ActiveClientReader activeReader_;
     ActivationWatch activation_;
 };
 
