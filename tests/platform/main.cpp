@@ -1,5 +1,4 @@
 #include "platform/TestClient.h"
-#include "support/ThreadSanitizer.h"
 
 #include <QCoreApplication>
 

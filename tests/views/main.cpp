@@ -1,5 +1,3 @@
-#include "support/ThreadSanitizer.h"
-
 #include <QApplication>
 
 #include <gtest/gtest.h>

@@ -34,10 +34,13 @@ VirtualDesktop::VirtualDesktop(const DesktopOptions& options) : folder_(makeFold
         {"GSETTINGS_BACKEND", "memory"},
         {"LIBGL_ALWAYS_SOFTWARE", "1"},
         {"GSK_RENDERER", "cairo"},
-        // A sanitizer's report goes to standard error, which the tests read.
-        {"ASAN_OPTIONS", "detect_leaks=1:exitcode=99"},
-        {"UBSAN_OPTIONS", "print_stacktrace=1"},
     };
+    // A sanitizer's report goes to standard error, which the tests read.
+    for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS"}) {
+        if (const char* value = std::getenv(name)) {
+            environment_[name] = value;
+        }
+    }
     if (!startServer(options)) {
         problem_ = "Xvfb did not start: " + readFile(path("server.err"));
     } else if (options.sessionBus && !startSessionBus()) {

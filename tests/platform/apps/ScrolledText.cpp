@@ -1,6 +1,4 @@
 // A window with a long text and, behind a tab that is not shown, another one.
-#include "support/ThreadSanitizer.h"
-
 #include <QApplication>
 #include <QPlainTextEdit>
 #include <QTabWidget>
