@@ -8,6 +8,7 @@
 //   frames          answers number and time of the repaints since the last question, as N:TIME, in one line
 // Every full repaint of the first window is marked with its number. It ends at the end of its input.
 #include "../Stamp.h"
+#include "harness/LineInput.h"
 
 #include <xcb/xcb.h>
 
@@ -219,7 +220,7 @@ int Target::run() {
         std::cout << window << ' ';
     }
     std::cout << std::endl;
-    std::string pending;
+    desktop::LineInput input;
     while (xcb_connection_has_error(connection_) == 0) {
         takeEvents();
         std::array<pollfd, 3> ready{pollfd{timer_, POLLIN, 0}, pollfd{STDIN_FILENO, POLLIN, 0},
@@ -231,19 +232,11 @@ int Target::run() {
         if (ready[0].revents != 0 && ::read(timer_, &expirations, sizeof expirations) > 0) {
             repaint();
         }
-        if (ready[1].revents == 0) {
-            continue;
-        }
-        std::array<char, 4096> buffer{};
-        const ssize_t count = ::read(STDIN_FILENO, buffer.data(), buffer.size());
-        if (count <= 0) {
+        const auto answer = [this](const std::string& line) {
+            std::cout << obey(line) << std::endl;
+        };
+        if (ready[1].revents != 0 && !input.read(answer)) {
             return 0;
-        }
-        pending.append(buffer.data(), static_cast<std::size_t>(count));
-        for (auto feed = pending.find('\n'); feed != std::string::npos; feed = pending.find('\n')) {
-            const std::string answer = obey(pending.substr(0, feed));
-            pending.erase(0, feed + 1);
-            std::cout << answer << std::endl;
         }
     }
     return 1;

@@ -12,6 +12,7 @@
 //   events                               answers what came since the last question, or "none"
 //
 // It ends at the end of its input.
+#include "../harness/LineInput.h"
 #include "../harness/XSession.h"
 
 #include <algorithm>
@@ -317,7 +318,7 @@ void Puppet::takeEvents() {
 }
 
 int Puppet::run() {
-    std::string pending;
+    LineInput input;
     while (x_.isConnected()) {
         takeEvents();
         xcb_flush(connection_);
@@ -328,17 +329,13 @@ int Puppet::run() {
         if (::poll(ready.data(), ready.size(), -1) < 0 || ready[0].revents == 0) {
             continue;
         }
-        std::array<char, 4096> buffer{};
-        const ssize_t count = ::read(STDIN_FILENO, buffer.data(), buffer.size());
-        if (count <= 0) {
-            return 0;
-        }
-        pending.append(buffer.data(), static_cast<std::size_t>(count));
-        for (auto feed = pending.find('\n'); feed != std::string::npos; feed = pending.find('\n')) {
-            const std::string answer = obey(pending.substr(0, feed));
-            pending.erase(0, feed + 1);
+        const auto answer = [this](const std::string& line) {
+            const std::string text = obey(line);
             sync();
-            std::cout << answer << std::endl;
+            std::cout << text << std::endl;
+        };
+        if (!input.read(answer)) {
+            return 0;
         }
     }
     return 1;
