@@ -1,5 +1,7 @@
 #include "VirtualDesktop.h"
 
+#include <QByteArray>
+
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -37,8 +39,8 @@ VirtualDesktop::VirtualDesktop(const DesktopOptions& options) : folder_(makeFold
     };
     // A sanitizer's report goes to standard error, which the tests read.
     for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS"}) {
-        if (const char* value = std::getenv(name)) {
-            environment_[name] = value;
+        if (qEnvironmentVariableIsSet(name)) {
+            environment_[name] = qgetenv(name).toStdString();
         }
     }
     if (!startServer(options)) {
