@@ -2,7 +2,9 @@
 #include "platform/ServerTest.h"
 #include "platform/x11/X11EventTap.h"
 
+#include <atomic>
 #include <linux/input-event-codes.h>
+#include <thread>
 
 namespace skylet::test {
 
@@ -171,6 +173,34 @@ TEST_F(EventTapTest, FollowsTheLayout) {
     other_.strike({x(KEY_NUMLOCK)});
     EXPECT_EQ(strike(shortcut_), 1U);
     other_.strike({x(KEY_NUMLOCK)});
+    EXPECT_FALSE(other_.grabKey(controlAndSuper, x(KEY_P))) << "the former bits are still grabbed";
+}
+
+// A key that another client can have for a moment could be pressed in it.
+TEST_F(EventTapTest, KeepsTheKeyWhileTheKeyboardChanges) {
+    enable();
+    std::atomic<int> tries = 0;
+    std::atomic<int> had = 0;
+    std::jthread thief([&](const std::stop_token& stop) {
+        TestClient client;
+        while (!stop.stop_requested()) {
+            had += client.grabKey(controlAndSuper, x(KEY_P)) ? 0 : 1;
+            ++tries;
+        }
+    });
+    constexpr int changes = 1000;
+    for (int change = 0; change < changes; ++change) {
+        const int before = tries;
+        const xcb_keysym_t symbols[] = {'p', 'P'};
+        xcb_change_keyboard_mapping(other_.raw(), 1, x(KEY_P), 2, symbols);
+        other_.sync();
+        dispatch();
+        ASSERT_TRUE(eventually([&] { return tries > before; }));
+    }
+    thief.request_stop();
+    thief.join();
+    EXPECT_EQ(had, 0);
+    EXPECT_EQ(strike(shortcut_), 1U);
 }
 
 TEST_F(EventTapTest, RefusesAModifierThatNoKeyGives) {

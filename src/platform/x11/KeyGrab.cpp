@@ -44,6 +44,15 @@ KeyGrab::Result KeyGrab::make(Connection& connection, const ModifierMap& map, xc
     return result;
 }
 
+// The server lets a client's newer grab replace its older one without a gap.
+void KeyGrab::takeOver(std::unique_ptr<KeyGrab> former) const {
+    if (former && former->keyCode_ == keyCode_) {
+        std::erase_if(former->states_, [this](std::uint16_t state) {
+            return std::find(states_.begin(), states_.end(), state) != states_.end();
+        });
+    }
+}
+
 // Letting go of a combination that was never had is no error.
 KeyGrab::~KeyGrab() {
     for (const std::uint16_t state : states_) {

@@ -29,6 +29,8 @@ class KeyGrab {
     ~KeyGrab();
 
     [[nodiscard]] xcb_keycode_t keyCode() const { return keyCode_; }
+    // Ends `former`, an earlier grab of this client; what both have stays grabbed all the while.
+    void takeOver(std::unique_ptr<KeyGrab> former) const;
 
   private:
     KeyGrab(Connection& connection, xcb_keycode_t keyCode) : connection_(connection), keyCode_(keyCode) {}

@@ -88,7 +88,8 @@ void X11EventTap::setEnabled(bool enabled) {
 }
 
 bool X11EventTap::grab() {
-    grab_.reset();
+    // Held until the new grab is there: a key that is pressed in between would be lost.
+    std::unique_ptr<KeyGrab> former = std::move(grab_);
     failureReason_.reset();
     refusal_.reset();
     if (wantedKey_ == 0 && wantedFlags_ == 0) {
@@ -114,6 +115,7 @@ bool X11EventTap::grab() {
         return refuse(KeyRefusal::notOnKeyboard,
                       "the X server refuses the shortcut " + wantedInWords() + ": " + wayOut + ".");
     }
+    result.grab->takeOver(std::move(former));
     grab_ = std::move(result.grab);
     return true;
 }
