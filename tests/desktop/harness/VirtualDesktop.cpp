@@ -38,7 +38,7 @@ VirtualDesktop::VirtualDesktop(const DesktopOptions& options) : folder_(makeFold
         {"GSK_RENDERER", "cairo"},
     };
     // A sanitizer's report goes to standard error, which the tests read.
-    for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS"}) {
+    for (const char* name : {"ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS"}) {
         if (qEnvironmentVariableIsSet(name)) {
             environment_[name] = qgetenv(name).toStdString();
         }
