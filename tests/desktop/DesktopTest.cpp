@@ -36,7 +36,13 @@ void DesktopTest::openTarget(Toolkit toolkit, const std::string& cover) {
 void DesktopTest::launchAndPin(const Preferences& preferences) {
     PREPARE(launch(preferences));
     PREPARE(pinAndCover(target_, cover_));
-    ASSERT_TRUE(eventually([&] { return floatsOver(target_); }));
+    ASSERT_TRUE(eventually([&] { return floatsOver(target_); }))
+        << "overlay at " << overlayPlace() << " of a window at "
+        << x().visibleGeometry(target_).value_or(Rectangle{}) << ", differing pixels: "
+        << difference(x().screenshot(overlayPlace()), x().content(target_).value_or(Picture{}))
+        << ", in the overlay itself: "
+        << difference(x().content(skylet().overlayInFront().value_or(target_)).value_or(Picture{}),
+                      x().content(target_).value_or(Picture{}));
 }
 
 void DesktopTest::bringToFront(Window window) {

@@ -33,6 +33,7 @@ class PanelCanvas {
     // Draws what changed in the surface since the last drawing. Nothing while not `shown`.
     void drawChanges();
     void redraw(const PixelRect& rect);
+    void redrawAll() { redraw(bounds()); }
     // Takes the new size, lets `layout` place the items, then draws it all once.
     void resize(int width, int height, const std::function<void()>& layout);
 

@@ -252,6 +252,8 @@ void X11Panel::animateAlpha(double alpha, double seconds) {
         const double progress = std::min(1.0, (context_.mainQueue.now() - start) / seconds);
         showAlpha(from + (alpha - from) * progress);
         if (progress == 1) {
+            // Some compositing managers miss what is drawn in the moment of mapping (seen with mutter 43).
+            canvas_->redrawAll();
             fade_.reset();
         }
     });
