@@ -7,6 +7,7 @@
 // It ends at the end of its input.
 #include "foundation/DiagnosticsLog.h"
 #include "foundation/LogLocation.h"
+#include "harness/LineInput.h"
 #include "overlay/OverlayEnvironment.h"
 #include "pinning/PinnedWindowTracker.h"
 #include "platform/qt/AccessibilityTrust.h"
@@ -26,7 +27,6 @@
 #include <QApplication>
 #include <QSocketNotifier>
 
-#include <array>
 #include <chrono>
 #include <cstdint>
 #include <iostream>
@@ -81,23 +81,12 @@ class Host {
     [[nodiscard]] std::string obey(const std::string& line);
 
     PinnedWindowTracker& tracker_;
-    std::string pending_;
+    desktop::LineInput input_;
     long turns_ = 0;
 };
 
 bool Host::readInput() {
-    std::array<char, 4096> buffer{};
-    const ssize_t count = ::read(STDIN_FILENO, buffer.data(), buffer.size());
-    if (count <= 0) {
-        return false;
-    }
-    pending_.append(buffer.data(), static_cast<std::size_t>(count));
-    for (auto feed = pending_.find('\n'); feed != std::string::npos; feed = pending_.find('\n')) {
-        const std::string line = pending_.substr(0, feed);
-        pending_.erase(0, feed + 1);
-        std::cout << obey(line) << std::endl;
-    }
-    return true;
+    return input_.read([this](const std::string& line) { std::cout << obey(line) << std::endl; });
 }
 
 std::string Host::obey(const std::string& line) {
