@@ -56,7 +56,10 @@ void DesktopTest::bringToFront(Window window) {
 void DesktopTest::pinAndCover(Window target, Window cover) {
     ASSERT_TRUE(skylet().pin(target)) << skylet().logText();
     PREPARE(bringToFront(cover));
-    ASSERT_TRUE(eventually([&] { return skylet().overlayInFront().has_value(); })) << skylet().logText();
+    ASSERT_TRUE(eventually([&] { return skylet().overlayInFront().has_value(); }))
+        << "no overlay in front; the window " << target << ", its cover " << cover << ", active "
+        << x().activeWindow() << ", focused " << x().inputFocus() << '\n'
+        << skylet().logText();
 }
 
 Rectangle DesktopTest::overlayPlace() {

@@ -8,10 +8,7 @@ namespace skylet::platform::qt {
 
 TrayIcon::TrayIcon(MenuPopup& popup) {
     QObject::connect(&icon_, &QSystemTrayIcon::activated, &icon_,
-                     [this, &popup](QSystemTrayIcon::ActivationReason reason) {
-                         if (reason == QSystemTrayIcon::DoubleClick) {
-                             return; // its first click opened the menu
-                         }
+                     [this, &popup](QSystemTrayIcon::ActivationReason) {
                          const QRect place = icon_.geometry();
                          popup.toggle(place.isValid() ? place : QRect(QCursor::pos(), QSize(1, 1)));
                      });

@@ -6,7 +6,7 @@
 
 namespace skylet::platform::x11 {
 
-ActivationWatch::ActivationWatch(Connection& connection, std::function<void()> check)
+ActivationWatch::ActivationWatch(Connection& connection, std::function<xcb_window_t()> check)
     : connection_(connection)
     , check_(std::move(check)) {
     properties_ = connection_.subscribe(connection_.root(), XCB_EVENT_MASK_PROPERTY_CHANGE,
@@ -55,9 +55,9 @@ void ActivationWatch::watchFocus(xcb_window_t window) {
                                                           }));
 }
 
-void ActivationWatch::follow(xcb_window_t windowManager) {
+bool ActivationWatch::follow(xcb_window_t windowManager) {
     if (following_ && windowManager == windowManager_) {
-        return;
+        return false;
     }
     following_ = true;
     windowManager_ = windowManager;
@@ -67,7 +67,7 @@ void ActivationWatch::follow(xcb_window_t windowManager) {
         managerEnd_ = connection_.subscribe(
             windowManager, XCB_EVENT_MASK_STRUCTURE_NOTIFY,
             [this](const xcb_generic_event_t& event) { due_ |= eventType(event) == XCB_DESTROY_NOTIFY; });
-        return;
+        return true;
     }
     managerEnd_.reset();
     children_ = connection_.subscribe(connection_.root(), XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
@@ -75,14 +75,16 @@ void ActivationWatch::follow(xcb_window_t windowManager) {
     for (const xcb_window_t window : readClientWindows(connection_).windows) {
         watchFocus(window);
     }
+    return true;
 }
 
 void ActivationWatch::runCheck() {
     if (!std::exchange(due_, false) || !connection_.isOpen()) {
         return;
     }
-    follow(readActiveWindow(connection_, windowManager_).windowManager);
-    check_();
+    if (follow(check_())) {
+        check_(); // nobody told what changed before its signs were asked for
+    }
 }
 
 } // namespace skylet::platform::x11

@@ -16,18 +16,20 @@ namespace skylet::platform::x11 {
 
 class ActivationWatch {
   public:
-    // `check` is called after batches of events, from the event loop.
-    ActivationWatch(Connection& connection, std::function<void()> check);
+    // `check` is called after batches of events, from the event loop, and returns the window that stands for
+    // the window manager.
+    ActivationWatch(Connection& connection, std::function<xcb_window_t()> check);
 
   private:
     void handleRoot(const xcb_generic_event_t& event);
     void handleChildren(const xcb_generic_event_t& event);
     void watchFocus(xcb_window_t window);
-    void follow(xcb_window_t windowManager);
+    // Returns whether this is another one than before.
+    bool follow(xcb_window_t windowManager);
     void runCheck();
 
     Connection& connection_;
-    std::function<void()> check_;
+    std::function<xcb_window_t()> check_;
     bool due_ = true;
     bool following_ = false;
     xcb_window_t windowManager_ = XCB_WINDOW_NONE;

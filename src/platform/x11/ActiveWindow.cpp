@@ -111,13 +111,14 @@ ActiveClientReader::Client ActiveClientReader::read() {
     const ActiveWindow active = readActiveWindow(connection_, last.windowManager);
     last_ = active;
     if (active.window == XCB_WINDOW_NONE) {
-        return {};
+        return {active.windowManager, XCB_WINDOW_NONE, std::nullopt};
     }
     if (active.window != last.window) {
-        return {active.window, clientPid(connection_, active.window)};
+        return {active.windowManager, active.window, clientPid(connection_, active.window)};
     }
     const auto pids = lastPid.read();
-    return {active.window, pids.empty() ? std::nullopt : std::optional(pids.begin()->second)};
+    return {active.windowManager, active.window,
+            pids.empty() ? std::nullopt : std::optional(pids.begin()->second)};
 }
 
 } // namespace skylet::platform::x11

@@ -43,6 +43,7 @@ class ActiveClientReader {
     explicit ActiveClientReader(Connection& connection) : connection_(connection) {}
 
     struct Client {
+        xcb_window_t windowManager = XCB_WINDOW_NONE;
         xcb_window_t window = XCB_WINDOW_NONE;
         std::optional<ProcessID> pid;
     };

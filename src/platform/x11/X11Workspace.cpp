@@ -33,7 +33,7 @@ X11Workspace::X11Workspace(Connection& connection, MainQueue& mainQueue, SerialQ
     , names_(connection, mainQueue, queues)
     , processes_([this](ProcessID pid) { handleTermination(pid); })
     , activeReader_(connection)
-    , activation_(connection, [this] { checkActivation(); }) {
+    , activation_(connection, [this] { return checkActivation(); }) {
     // Where processes do not tell of their end, windows that go are the sign for it.
     clientList_ = connection_.subscribe(
         connection_.root(), XCB_EVENT_MASK_PROPERTY_CHANGE, [this](const xcb_generic_event_t& event) {
@@ -107,13 +107,13 @@ bool X11Workspace::activate(ProcessID pid) {
     return true;
 }
 
-void X11Workspace::checkActivation() {
+xcb_window_t X11Workspace::checkActivation() {
     const auto active = activeClient();
-    if (!active.pid || active.pid == frontmost_) {
-        return;
+    if (active.pid && active.pid != frontmost_) {
+        frontmost_ = active.pid;
+        activated_.notify(application(*active.pid, active.window));
     }
-    frontmost_ = active.pid;
-    activated_.notify(application(*active.pid, active.window));
+    return active.windowManager;
 }
 
 void X11Workspace::handleTermination(ProcessID pid) {

@@ -46,7 +46,7 @@ class X11Workspace : public Workspace {
     [[nodiscard]] ActiveClientReader::Client activeClient();
     [[nodiscard]] RunningApplication application(ProcessID pid, xcb_window_t window);
     [[nodiscard]] std::vector<xcb_window_t> windowsOf(ProcessID pid, const ClientWindows& clients);
-    void checkActivation();
+    xcb_window_t checkActivation();
     void handleTermination(ProcessID pid);
 
     Connection& connection_;
