@@ -21,6 +21,12 @@ class InputEndsTest : public DesktopTest {
         overlay_ = overlayPlace();
         application().forget();
     }
+    // As above, with a target that answers pings and grabs the pointer.
+    void startAndPinGrabbing() {
+        PREPARE(startAndPin());
+        application().process().write("grabbing\n");
+        EXPECT_TRUE(application().process().readLine());
+    }
     // Presses on the overlay and drags a little; the target has seen it.
     void beginDrag();
     [[nodiscard]] std::pair<int, int> spot(int dx, int dy) const {
@@ -126,13 +132,23 @@ TEST_F(InputEndsTest, ADragEndsWithItsOverlayItsTargetOrOutside) {
     EXPECT_TRUE(eventually([&] { return isClean(); }));
 }
 
-TEST_F(InputEndsTest, AFrozenTargetGetsNothingAndTakesNothing) {
+TEST_F(InputEndsTest, AClickWaitsForABusyTarget) {
     PREPARE(prepare());
-    PREPARE(startAndPin());
-    // One that answers pings is asked first; this one never does again.
+    PREPARE(startAndPinGrabbing());
     application().process().signal(SIGSTOP);
     x().click(spot(0, 0).first, spot(0, 0).second);
-    EXPECT_TRUE(throughout(std::chrono::milliseconds(600), [&] { return x().activeWindow() == cover_; }));
+    EXPECT_TRUE(throughout(std::chrono::milliseconds(400), [&] { return x().activeWindow() == cover_; }));
+    application().process().signal(SIGCONT);
+    EXPECT_TRUE(application().says("release1@")) << application().said();
+    EXPECT_EQ(x().activeWindow(), cover_);
+}
+
+TEST_F(InputEndsTest, AFrozenTargetGetsNothingAndTakesNothing) {
+    PREPARE(prepare());
+    PREPARE(startAndPinGrabbing());
+    application().process().signal(SIGSTOP);
+    x().click(spot(0, 0).first, spot(0, 0).second);
+    EXPECT_TRUE(throughout(std::chrono::milliseconds(1300), [&] { return x().activeWindow() == cover_; }));
     expectUsable();
     // The program goes on without it.
     const std::string line = "overlay: reasserting front order wid=";
@@ -141,6 +157,7 @@ TEST_F(InputEndsTest, AFrozenTargetGetsNothingAndTakesNothing) {
     skylet().pressShortcut();
     EXPECT_TRUE(eventually([&] { return skylet().overlays().empty(); }));
     application().process().signal(SIGCONT);
+    EXPECT_EQ(application().said().find("press1@"), std::string::npos) << application().said();
     EXPECT_EQ(endSkylet(), 0);
     EXPECT_TRUE(eventually([&] { return isClean(); }));
 }

@@ -10,8 +10,9 @@ namespace skylet::platform::x11 {
 
 namespace {
 
-// The longest that a click waits for a busy application.
-constexpr double longestWait = 0.25; // seconds
+// The longest that a click waits for a busy application. Browsers and offices are busy for half a second now
+// and then; after more than this nobody expects the click any longer.
+constexpr double longestWait = 1.0; // seconds
 
 void sendFocus(Connection& connection, xcb_window_t client, std::uint8_t type) {
     // Sent events are 32 bytes whatever their kind.
