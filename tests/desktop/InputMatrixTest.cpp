@@ -136,7 +136,7 @@ TEST_P(InputMatrixTest, ReachesTheRealWindow) {
                       const Point to = inOverlay(0.6, 0.8);
                       moveTo(from);
                       x().button(1, true);
-                      EXPECT_TRUE(application().says(words.down));
+                      EXPECT_TRUE(application().says(words.down)) << application().said();
                       for (int step = 1; step <= 8; ++step) {
                           moveTo({from.first + (to.first - from.first) * step / 8,
                                   from.second + (to.second - from.second) * step / 8});
