@@ -12,8 +12,8 @@
 //   events                               answers what came since the last question, or "none"
 //
 // It ends at the end of its input.
-#include "../harness/LineInput.h"
-#include "../harness/XSession.h"
+#include "harness/LineInput.h"
+#include "harness/XSession.h"
 
 #include <algorithm>
 #include <array>
