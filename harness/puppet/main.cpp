@@ -10,6 +10,7 @@
 //   grabbing                             from now on is slow, answers pings, and grabs the pointer from every
 //                                        other press to its release
 //   events                               answers what came since the last question, or "none"
+//   focused                              answers "yes" or "no": what it was last told of its focus
 //
 // It ends at the end of its input.
 #include "harness/LineInput.h"
@@ -70,6 +71,7 @@ class Puppet {
     xcb_connection_t* connection_ = x_.connection();
     std::map<Window, PuppetWindow> windows_;
     bool isGrabbing_ = false;
+    bool isFocused_ = false;
     int presses_ = 0;
     std::string events_;
 };
@@ -235,6 +237,10 @@ std::string Puppet::obey(const std::string& line) {
         sync();
         return events_.empty() ? "none" : std::exchange(events_, {});
     }
+    if (verb == "focused") {
+        sync();
+        return isFocused_ ? "yes" : "no";
+    }
     Window only = XCB_NONE;
     if (verb == "pattern") {
         std::uint32_t seed = 0;
@@ -295,6 +301,10 @@ void Puppet::take(const xcb_generic_event_t& event) {
         if (isGrabbing_) {
             answerPing(as<xcb_client_message_event_t>(event));
         }
+        break;
+    case XCB_FOCUS_IN:
+    case XCB_FOCUS_OUT:
+        isFocused_ = (event.response_type & 0x7F) == XCB_FOCUS_IN;
         break;
     case XCB_MOTION_NOTIFY:
         note("motion");

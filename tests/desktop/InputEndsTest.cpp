@@ -158,6 +158,8 @@ TEST_F(InputEndsTest, AFrozenTargetGetsNothingAndTakesNothing) {
     EXPECT_TRUE(eventually([&] { return skylet().overlays().empty(); }));
     application().process().signal(SIGCONT);
     EXPECT_EQ(application().said().find("press1@"), std::string::npos) << application().said();
+    application().process().write("focused\n");
+    EXPECT_EQ(application().process().readLine(), "no");
     EXPECT_EQ(endSkylet(), 0);
     EXPECT_TRUE(eventually([&] { return isClean(); }));
 }

@@ -54,7 +54,7 @@ PostingSession::PostingSession(Connection& connection, MainQueue& mainQueue, Sec
 PostingSession::~PostingSession() {
     dismissPopups();
     letGo();
-    if (isReady_ && !isGone_) {
+    if ((isReady_ || lead_) && !isGone_) {
         FocusLead::end(connection_, client_);
     }
     if (!isGone_) {
@@ -126,7 +126,8 @@ void PostingSession::leadAnswered(FocusLead::Kind kind, bool ready) {
         }
     });
     if (!wasReady && !ready) {
-        // A press that came late would take the focus after all.
+        // A press that came late would take the focus after all, and what was told is read some time.
+        FocusLead::end(connection_, client_);
         queue_.clear();
         dropsUntilRelease_ = true;
     }
