@@ -54,8 +54,9 @@ TEST_P(LockerTest, NoOverlayPixelWhileLocked) {
         application().process().write("pattern 1\n");
         EXPECT_TRUE(throughout(std::chrono::milliseconds(400), [&] { return telltalePixels() == 0; }));
     }
-    for (const Process& process : locker) {
+    for (Process& process : locker) {
         process.signal(SIGKILL);
+        (void)process.waitForExit(); // its helpers are ours from then on, and can be found
     }
     for (const char* helper :
          {"xscreensaver-gf", "xscreensaver-au", "saver_multiplex", "saver_blank", "dimmer"}) {
