@@ -60,7 +60,6 @@ Target::Target(desktop::VirtualDesktop& desktop, int count)
 Stage::Stage() : desktop_({.width = columns * targetWidth + spare, .height = rows * targetHeight}) {
     const auto servers = desktop::descendantsNamed("Xvfb");
     server_ = servers.empty() ? 0 : servers.front();
-    desktop::writeFile(desktop_.configPath("Skylet/skylet.conf"), "[General]\ncaptureRate=60\n");
     if (!problem().empty()) {
         return;
     }
@@ -75,6 +74,8 @@ Stage::Stage() : desktop_({.width = columns * targetWidth + spare, .height = row
 
 void Stage::restartHost() {
     host_.stop();
+    // Anew each time: the program, where it was measured itself, had preferences of its own there.
+    desktop::writeFile(desktop_.configPath("Skylet/skylet.conf"), "[General]\ncaptureRate=60\n");
     host_ = desktop_.start({SKYLET_BUILD_FOLDER "/bench_host"});
     (void)host_.readLine();
 }
