@@ -17,6 +17,7 @@
 #include <string>
 #include <thread>
 #include <unistd.h>
+#include <vector>
 
 namespace skylet::desktop {
 namespace {
@@ -176,8 +177,17 @@ bool Demonstration::playMenu(SkyletProgram& skylet) {
     }
     const Rectangle icon = skylet.icon().place;
     const std::size_t before = skylet.overlays().size(); // a menu is as unmanaged as an overlay
+    const Picture without = x.screenshot(x.screen());
     x.click(icon.x + icon.width / 2, icon.y + icon.height / 2);
-    const bool opened = eventually([&] { return skylet.overlays().size() == before + 1; });
+    const bool opened = eventually([&] {
+        const std::vector<Window> windows = skylet.overlays();
+        if (windows.size() != before + 1) {
+            return false;
+        }
+        // A window is there before its program has painted it.
+        const Rectangle place = x.geometry(windows.back()).value_or(Rectangle{});
+        return difference(x.screenshot(place), without.cut(place)) > place.width * place.height / 2;
+    });
     picture("5-menu.png");
     x.press(escapeKey);
     return step(opened && eventually([&] { return skylet.overlays().size() == before; }),
